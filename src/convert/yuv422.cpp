@@ -1,0 +1,10 @@
+// Conversions from the yuv422 sources (not converted yet).
+#include "frame.h"
+
+namespace orv {
+
+ORV_STATUS convert_from_yuv422(const ConversionJob &, uint32_t) {
+    return ORV_ERROR_NOT_SUPPORTED;
+}
+
+} // namespace orv

@@ -1,0 +1,224 @@
+// OVC_Convert as a whole: which format pairs convert, the validation
+// statuses, the capacity tests and the identical-format copy.
+#include "support/test_image.h"
+
+#include <gtest/gtest.h>
+
+#include <set>
+
+namespace {
+
+using orv_test::TestImage;
+
+uint32_t format(uint32_t low_byte) { return 0xC0022600u | low_byte; }
+
+// Every pair that converts, as (source low byte, destination low byte).
+std::set<std::pair<uint32_t, uint32_t>> supported_pairs() {
+    std::set<std::pair<uint32_t, uint32_t>> pairs;
+    auto add = [&](std::initializer_list<uint32_t> sources,
+                   std::initializer_list<uint32_t> destinations) {
+        for (uint32_t s : sources)
+            for (uint32_t d : destinations) pairs.insert({s, d});
+    };
+    const auto fourteen = {0x05u, 0x06u, 0x07u, 0x08u, 0x09u, 0x0Au, 0x0Bu,
+                           0x0Cu, 0x0Du, 0x0Eu, 0x0Fu, 0x10u, 0x11u, 0x12u};
+    add({0x01}, {0x01, 0x02, 0x03, 0x13, 0x14, 0x15, 0x1C, 0x1D});
+    add({0x01, 0x02, 0x13, 0x14, 0x15}, fourteen);
+    add({0x02, 0x13, 0x14, 0x15}, {0x01, 0x02, 0x03});
+    add({0x1B}, {0x06, 0x07, 0x08, 0x0B, 0x0C, 0x0D, 0x11, 0x12});
+    add({0x08}, {0x11});
+    add({0x09, 0x0F, 0x11, 0x1C}, fourteen);
+    add({0x1E}, {0x07, 0x08, 0x0C, 0x0D, 0x11, 0x12});
+    add({0x16}, {0x06, 0x08, 0x0B, 0x0D, 0x11});
+    add({0x17, 0x18, 0x19, 0x1A}, {0x06, 0x08, 0x0D, 0x11});
+    return pairs;
+}
+
+// A zero-height source passes every capacity test, so the status tells
+// only whether the pair is converted. Bayer members still write line 0 of
+// a zero-height image, hence the room in both buffers.
+TEST(ConvertDispatch, EveryKeyIsConvertedExactlyWhenThePairIsSupported) {
+    const auto pairs = supported_pairs();
+    for (uint32_t s = 0; s <= 0x20; ++s) {
+        for (uint32_t d = 0; d <= 0x20; ++d) {
+            TestImage src(format(s), 2, 0, 16, 64);
+            TestImage dst(format(d), 2, 2, 16, 64);
+            src.set_bayer(ORV_BAYER_METHOD_DUP, ORV_BAYER_PHASE_A);
+            const ORV_STATUS expected =
+                pairs.count({s, d}) ? ORV_OK : ORV_ERROR_NOT_SUPPORTED;
+            EXPECT_EQ(OVC_Convert(src.handle(), dst.handle()), expected)
+                << std::hex << "source 0x" << s << " destination 0x" << d;
+        }
+    }
+}
+
+TEST(ConvertDispatch, OnlyTheLowByteOfEachFormatCounts) {
+    const uint8_t grey[4] = {1, 2, 3, 4};
+    for (uint32_t upper : {0x00000000u, 0x12345600u, 0xFFFFFF00u}) {
+        TestImage src(upper | 0x01, 4, 1, 4);
+        std::copy(grey, grey + 4, src.data());
+        TestImage dst(0xABCDEF00u | 0x11, 4, 1, 12);
+        ASSERT_EQ(OVC_Convert(src.handle(), dst.handle()), ORV_OK);
+        for (int i = 0; i < 12; ++i) EXPECT_EQ(dst[i], grey[i / 3]);
+    }
+}
+
+struct Refusal {
+    const char *what;
+    void (*spoil)(TestImage &src, TestImage &dst);
+    ORV_STATUS status;
+};
+
+const Refusal refusals[] = {
+    {"source not valid", [](TestImage &s, TestImage &) { s.set_pointer(OFS_BUFFER_VALID, 0); }, ORV_ERROR_BAD_PARAM},
+    {"destination not valid", [](TestImage &, TestImage &d) { d.set_pointer(OFS_BUFFER_VALID, 0); }, ORV_ERROR_BAD_PARAM},
+    {"destination format zero", [](TestImage &, TestImage &d) { d.set(OFS_FORMAT, 0); }, ORV_ERROR_BAD_PARAM},
+    {"source format zero", [](TestImage &s, TestImage &) { s.set(OFS_FORMAT, 0); }, ORV_ERROR_BAD_PARAM},
+    {"source address null", [](TestImage &s, TestImage &) { s.set_pointer(OFS_START_ADDR, 0); }, ORV_ERROR_BAD_PARAM},
+    {"destination address null", [](TestImage &, TestImage &d) { d.set_pointer(OFS_START_ADDR, 0); }, ORV_ERROR_BAD_PARAM},
+    {"unknown source format", [](TestImage &s, TestImage &) { s.set(OFS_FORMAT, format(0x04)); }, ORV_ERROR_NOT_SUPPORTED},
+    {"destination format 04", [](TestImage &, TestImage &d) { d.set(OFS_FORMAT, format(0x04)); }, ORV_ERROR_NOT_SUPPORTED},
+    {"destination low byte zero", [](TestImage &, TestImage &d) { d.set(OFS_FORMAT, 0xC0022600u); }, ORV_ERROR_NOT_SUPPORTED},
+    {"Y32 as source", [](TestImage &s, TestImage &) { s.set(OFS_FORMAT, ORV_FORMAT_Y32); }, ORV_ERROR_NOT_SUPPORTED},
+    {"destination one byte short", [](TestImage &, TestImage &d) { d.set(OFS_STRIDE, 11); }, ORV_ERROR_BAD_PARAM},
+};
+
+TEST(ConvertDispatch, RefusalsLeaveTheDestinationUntouched) {
+    for (const Refusal &r : refusals) {
+        TestImage src(ORV_FORMAT_Y8, 4, 2, 4, 8, 0x11);
+        TestImage dst(ORV_FORMAT_BGR24, 4, 2, 12, 24, 0xEE);
+        r.spoil(src, dst);
+        EXPECT_EQ(OVC_Convert(src.handle(), dst.handle()), r.status) << r.what;
+        EXPECT_EQ(dst.bytes(), std::vector<uint8_t>(24, 0xEE)) << r.what;
+    }
+}
+
+TEST(ConvertDispatch, ZeroHandlesAreRefused) {
+    TestImage img(ORV_FORMAT_Y8, 1, 1, 1);
+    EXPECT_EQ(OVC_Convert(0, img.handle()), ORV_ERROR_BAD_PARAM);
+    EXPECT_EQ(OVC_Convert(img.handle(), 0), ORV_ERROR_BAD_PARAM);
+}
+
+// Capacity: a destination that fits exactly converts, one byte less fails,
+// whatever the destination's own width says.
+struct Fit {
+    uint32_t src_format, dst_format, bytes_per_pixel;
+};
+
+const Fit fits[] = {
+    {ORV_FORMAT_Y8, ORV_FORMAT_Y16, 2},      {ORV_FORMAT_Y8, ORV_FORMAT_Y32, 4},
+    {ORV_FORMAT_Y8, ORV_FORMAT_RGB15, 2},    {ORV_FORMAT_Y8, ORV_FORMAT_XRGB32, 4},
+    {ORV_FORMAT_Y8, ORV_FORMAT_1D, 6},       {ORV_FORMAT_Y8, ORV_FORMAT_BGR30, 4},
+    {ORV_FORMAT_Y8, ORV_FORMAT_RGB24, 3},    {ORV_FORMAT_Y16, ORV_FORMAT_Y8, 1},
+    {ORV_FORMAT_Y12, ORV_FORMAT_Y16, 2},     {ORV_FORMAT_Y10, ORV_FORMAT_Y32, 4},
+    {ORV_FORMAT_Y14, ORV_FORMAT_BGR16, 2},   {ORV_FORMAT_Y16, ORV_FORMAT_RGBX32, 4},
+    {ORV_FORMAT_Y16, ORV_FORMAT_RGB48, 6},   {ORV_FORMAT_Y12, ORV_FORMAT_RGB30, 4},
+    {ORV_FORMAT_Y10, ORV_FORMAT_BGR24, 3},   {ORV_FORMAT_Y12P, ORV_FORMAT_RGB16, 2},
+    {ORV_FORMAT_Y12P, ORV_FORMAT_BGRX32, 4}, {ORV_FORMAT_Y12P, ORV_FORMAT_BGR24, 3},
+};
+
+TEST(ConvertCapacity, ExactFitPassesAndOneByteShortFails) {
+    for (const Fit &f : fits) {
+        const uint32_t w = 6, h = 5, need = w * h * f.bytes_per_pixel;
+        // h packed lines hold exactly the image; one line of need - 1 bytes
+        // is one byte short.
+        const uint32_t geometry[2][2] = {{w * f.bytes_per_pixel, h},
+                                         {need - 1, 1}};
+        for (const auto &g : geometry) {
+            TestImage src(f.src_format, w, h, 16, 16 * h, 0x5A);
+            TestImage dst(f.dst_format, 1, g[1], g[0], need, 0xEE);
+            const ORV_STATUS st = OVC_Convert(src.handle(), dst.handle());
+            EXPECT_EQ(st, g[1] == h ? ORV_OK : ORV_ERROR_BAD_PARAM)
+                << std::hex << f.src_format << " -> " << f.dst_format;
+            if (st != ORV_OK) {
+                EXPECT_EQ(dst.bytes(), std::vector<uint8_t>(need, 0xEE));
+            }
+        }
+    }
+}
+
+// The scaled forms (k, m) are formed as stated: with m x stride x height
+// wrapping to a small number a one-pixel image no longer fits, although
+// the plain form (bytes per pixel against stride x height) would pass.
+struct WrappingForm {
+    uint32_t src_format, dst_format, dst_stride, dst_height;
+};
+
+const WrappingForm wrapping_forms[] = {
+    {ORV_FORMAT_Y16, ORV_FORMAT_Y8, 0x10000, 0x8000},     // 2 x 2^31 wraps to 0
+    {ORV_FORMAT_Y12, ORV_FORMAT_BGR24, 0x10000, 0x8000},  // 2 x 2^31
+    {ORV_FORMAT_Y12P, ORV_FORMAT_RGB16, 0x2, 0x2AAAAAAB}, // 3 x 0x55555556 = 2
+    {ORV_FORMAT_Y12P, ORV_FORMAT_XBGR32, 0x2, 0x2AAAAAAB},
+};
+
+TEST(ConvertCapacity, ScaledFormsWrapAsStated) {
+    for (const WrappingForm &f : wrapping_forms) {
+        TestImage src(f.src_format, 2, 1, 4, 4, 0x5A);
+        TestImage dst(f.dst_format, 2, f.dst_height, f.dst_stride, 16, 0xEE);
+        EXPECT_EQ(OVC_Convert(src.handle(), dst.handle()), ORV_ERROR_BAD_PARAM)
+            << std::hex << f.src_format << " -> " << f.dst_format;
+        EXPECT_EQ(dst.bytes(), std::vector<uint8_t>(16, 0xEE));
+    }
+}
+
+TEST(ConvertDispatch, ZeroHeightWritesNothingAndSucceeds) {
+    TestImage src(ORV_FORMAT_Y10, 4, 0, 8, 8, 0x7F);
+    TestImage dst(ORV_FORMAT_RGB16, 4, 1, 0, 8, 0xEE);
+    EXPECT_EQ(OVC_Convert(src.handle(), dst.handle()), ORV_OK);
+    EXPECT_EQ(dst.bytes(), std::vector<uint8_t>(8, 0xEE));
+}
+
+TEST(ConvertDispatch, ZeroWidthWritesNothingAndSucceeds) {
+    TestImage src(ORV_FORMAT_Y8, 0, 3, 4, 12, 0x7F);
+    TestImage dst(ORV_FORMAT_BGRX32, 0, 3, 16, 48, 0xEE);
+    EXPECT_EQ(OVC_Convert(src.handle(), dst.handle()), ORV_OK);
+    EXPECT_EQ(dst.bytes(), std::vector<uint8_t>(48, 0xEE));
+}
+
+// Identical grey formats with equal strides and heights: one block copy of
+// height x stride bytes, padding included, no capacity test, widths unread.
+TEST(ConvertIdenticalFormat, EqualLayoutsCopyTheWholeBlock) {
+    for (uint32_t fmt : {ORV_FORMAT_Y8, ORV_FORMAT_Y16}) {
+        TestImage src(fmt, 8, 3, 8);
+        const auto pattern = orv_test::random_bytes(24, 7);
+        std::copy(pattern.begin(), pattern.end(), src.data());
+        TestImage dst(fmt, 1, 3, 8, 24, 0xEE); // narrower destination
+        ASSERT_EQ(OVC_Convert(src.handle(), dst.handle()), ORV_OK);
+        EXPECT_EQ(dst.bytes(), pattern);
+    }
+}
+
+TEST(ConvertIdenticalFormat, OtherSixteenBitGreyPairsAreNotCopies) {
+    // Y10 into Y16 with equal layouts goes through the row loop and its
+    // capacity test, which a width of 8 u16 pixels in 8-byte lines fails.
+    TestImage src(ORV_FORMAT_Y10, 8, 2, 8);
+    TestImage dst(ORV_FORMAT_Y16, 8, 2, 8, 16, 0xEE);
+    EXPECT_EQ(OVC_Convert(src.handle(), dst.handle()), ORV_ERROR_BAD_PARAM);
+    TestImage src16(ORV_FORMAT_Y16, 8, 2, 8);
+    EXPECT_EQ(OVC_Convert(src16.handle(), dst.handle()), ORV_OK);
+}
+
+// Y8 into Y8 off the copy path steps the destination by its stride minus
+// its own width, not the source's.
+TEST(ConvertIdenticalFormat, Y8RowsStepByTheDestinationWidth) {
+    TestImage src(ORV_FORMAT_Y8, 3, 3, 4);
+    for (size_t i = 0; i < src.size(); ++i) src[i] = uint8_t(i + 1);
+    TestImage dst(ORV_FORMAT_Y8, 2, 3, 6, 18, 0xEE); // steps 3 + (6 - 2)
+    ASSERT_EQ(OVC_Convert(src.handle(), dst.handle()), ORV_OK);
+    const std::vector<uint8_t> expected = {1,    2,    3,    0xEE, 0xEE, 0xEE,
+                                           0xEE, 5,    6,    7,    0xEE, 0xEE,
+                                           0xEE, 0xEE, 9,    10,   11,   0xEE};
+    EXPECT_EQ(dst.bytes(), expected);
+}
+
+TEST(ConvertIdenticalFormat, Y16RowsUseTheSourceWidth) {
+    TestImage src(ORV_FORMAT_Y16, 2, 2, 6);
+    for (size_t i = 0; i < src.size(); ++i) src[i] = uint8_t(i + 1);
+    TestImage dst(ORV_FORMAT_Y16, 1, 2, 8, 16, 0xEE);
+    ASSERT_EQ(OVC_Convert(src.handle(), dst.handle()), ORV_OK);
+    const std::vector<uint8_t> expected = {1,  2,  3,  4,  0xEE, 0xEE, 0xEE, 0xEE,
+                                           7,  8,  9,  10, 0xEE, 0xEE, 0xEE, 0xEE};
+    EXPECT_EQ(dst.bytes(), expected);
+}
+
+} // namespace
