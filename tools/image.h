@@ -1,0 +1,84 @@
+// Images of the orvane tool: pixel memory the tool owns, described to the
+// library by a buffer handle, and the library calls that make one image
+// from another (OVC_Convert, OVC_FieldToFrame).
+#ifndef ORVANE_TOOL_IMAGE_H
+#define ORVANE_TOOL_IMAGE_H
+
+#include "vocabulary.h"
+
+#include <orvaneimage.h>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace orvtool {
+
+// Largest image the tool makes: every side fits the TIFF writer's 16-bit
+// fields and every size product of the library stays far below 2^32.
+constexpr uint32_t kMaxSide = 65535;
+constexpr uint64_t kMaxPixels = uint64_t{1} << 26;
+constexpr uint64_t kMaxImageBytes = uint64_t{1} << 30;
+
+// Throws ToolError naming `subject` when width x height is empty or above
+// the limits.
+void check_geometry(const std::string &subject, uint32_t width,
+                    uint32_t height);
+
+class Image {
+public:
+    // Zero-filled pixels of `height` lines at `stride` bytes. The memory
+    // runs on past the last line (see image.cpp) for the samples that the
+    // library reads and writes just beyond an image.
+    Image(const FormatInfo &format, uint32_t width, uint32_t height,
+          uint32_t stride);
+    ~Image();
+    Image(Image &&other) noexcept;
+    Image &operator=(Image &&other) noexcept;
+    Image(const Image &) = delete;
+    Image &operator=(const Image &) = delete;
+
+    OFS_HANDLE handle() const { return handle_; }
+    const FormatInfo &format() const { return *format_; }
+    uint32_t width() const { return width_; }
+    uint32_t height() const { return height_; }
+    uint32_t stride() const { return stride_; }
+    uint8_t *line(uint32_t y) { return memory_.data() + size_t{y} * stride_; }
+    const uint8_t *line(uint32_t y) const {
+        return memory_.data() + size_t{y} * stride_;
+    }
+    uint64_t pixels() const { return uint64_t{width_} * height_; }
+
+    // Records the demosaic method and phase that OVC_Convert reads from a
+    // Bayer source.
+    void set_bayer(uint32_t method, uint32_t phase);
+
+private:
+    void release();
+
+    std::vector<uint8_t> memory_;
+    const FormatInfo *format_;
+    uint32_t width_, height_, stride_;
+    OFS_HANDLE handle_;
+};
+
+// An image of `format` with the geometry of `source` and unpadded lines.
+Image packed_image(const FormatInfo &format, uint32_t width, uint32_t height);
+
+// OVC_Convert(source, destination); a refusal becomes a ToolError that
+// names `subject`, both formats and the library's status.
+void convert_into(const Image &source, Image &destination,
+                  const std::string &subject);
+// A new image of `target`, converted from `source`.
+Image convert(const Image &source, const FormatInfo &target,
+              const std::string &subject);
+
+// The frame of 2 x height lines that OVC_FieldToFrame rebuilds from
+// `field`, same format and line length.
+Image frame_for(const Image &field);
+void field_to_frame(const Image &field, Image &frame, uint32_t method,
+                    uint32_t parity, const std::string &subject);
+
+} // namespace orvtool
+
+#endif // ORVANE_TOOL_IMAGE_H

@@ -1,0 +1,274 @@
+// Reading inputs: raw dumps described on the command line, and binary PGM
+// (P5) and PPM (P6) files, 8- or 16-bit, that describe themselves. Every
+// size is checked against the limits and against the file's length before
+// any pixel memory is allocated.
+#include "errors.h"
+#include "image_io.h"
+
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <cctype>
+#include <cerrno>
+#include <cstdio>
+#include <vector>
+
+namespace orvtool {
+
+namespace {
+
+// An input file open for reading, with its length.
+class InputFile {
+public:
+    explicit InputFile(const std::string &path) : path_(path) {
+        file_ = std::fopen(path.c_str(), "rb");
+        if (!file_)
+            throw ToolError(path + ": cannot open: " + system_message(errno));
+        struct stat info {};
+        if (fstat(fileno(file_), &info) != 0) {
+            int error = errno;
+            std::fclose(file_);
+            throw ToolError(path + ": cannot read: " + system_message(error));
+        }
+        if (!S_ISREG(info.st_mode)) {
+            std::fclose(file_);
+            throw ToolError(path + ": not a regular file");
+        }
+        size_ = static_cast<uint64_t>(info.st_size);
+    }
+    ~InputFile() { std::fclose(file_); }
+    InputFile(const InputFile &) = delete;
+    InputFile &operator=(const InputFile &) = delete;
+
+    uint64_t size() const { return size_; }
+    uint64_t position() const {
+        long at = std::ftell(file_);
+        return at < 0 ? 0 : static_cast<uint64_t>(at);
+    }
+    int get() { return std::getc(file_); }
+
+    void read(void *into, size_t bytes) {
+        if (std::fread(into, 1, bytes, file_) != bytes)
+            throw ToolError(path_ + (std::ferror(file_)
+                                         ? ": read failed: " + system_message(errno)
+                                         : std::string(": ends early")));
+    }
+    void skip(uint64_t bytes) {
+        if (bytes != 0 &&
+            std::fseek(file_, static_cast<long>(bytes), SEEK_CUR) != 0)
+            throw ToolError(path_ + ": seek failed: " + system_message(errno));
+    }
+
+    // Throws ToolError unless `needed` bytes remain after the position.
+    void require(uint64_t needed, const std::string &what) {
+        uint64_t found = size_ - std::min(size_, position());
+        if (found < needed)
+            throw ToolError(path_ + ": too short for " + what + ": " +
+                            std::to_string(needed) + " bytes expected, " +
+                            std::to_string(found) + " found");
+    }
+
+private:
+    std::string path_;
+    std::FILE *file_;
+    uint64_t size_ = 0;
+};
+
+std::string geometry_text(uint32_t width, uint32_t height,
+                          const FormatInfo &format) {
+    return std::to_string(width) + " x " + std::to_string(height) + " " +
+           format.name;
+}
+
+const FormatInfo &format_of(uint32_t code) { return *format_by_code(code); }
+
+bool has_extension(const std::string &path, const char *extension) {
+    std::string::size_type dot = path.find_last_of("./");
+    if (dot == std::string::npos || path[dot] != '.')
+        return false;
+    std::string tail = path.substr(dot + 1);
+    for (char &c : tail)
+        c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    return tail == extension;
+}
+
+bool is_pnm_path(const std::string &path) {
+    return has_extension(path, "pgm") || has_extension(path, "ppm") ||
+           has_extension(path, "pnm");
+}
+
+Image read_raw(const std::string &path, const InputSpec &spec) {
+    check_raw_spec(spec, path);
+    const FormatInfo &format = *spec.format;
+    uint32_t width = *spec.width, height = *spec.height;
+    check_geometry(path, width, height);
+    uint64_t line = packed_line_bytes(format, width);
+    uint64_t stride = spec.stride.value_or(line);
+    std::string what = geometry_text(width, height, format) + " at stride " +
+                       std::to_string(stride);
+    if (stride * height > kMaxImageBytes)
+        throw ToolError(path + ": " + what + " exceeds the limit of " +
+                        std::to_string(kMaxImageBytes) + " bytes");
+
+    InputFile file(path);
+    file.require(stride * height, what);
+    Image image = packed_image(format, width, height);
+    for (uint32_t y = 0; y < height; ++y) {
+        file.read(image.line(y), static_cast<size_t>(line));
+        if (y + 1 < height)
+            file.skip(stride - line);
+    }
+    return image;
+}
+
+// Binary PGM/PPM header: "P5" or "P6", width, height and maxval as
+// decimal numbers separated by white space and comments, then one white
+// space character before the samples.
+struct PnmHeader {
+    bool colour;
+    uint32_t width, height, maxval;
+};
+
+uint32_t header_number(InputFile &file, const std::string &path, int &c) {
+    while (c == '#' || std::isspace(c)) {
+        if (c == '#')
+            while (c != '\n' && c != EOF)
+                c = file.get();
+        c = file.get();
+    }
+    if (!std::isdigit(c))
+        throw ToolError(path + ": malformed PGM/PPM header");
+    uint64_t value = 0;
+    for (int digits = 0; std::isdigit(c); ++digits, c = file.get()) {
+        if (digits == 9)
+            throw ToolError(path + ": PGM/PPM header number too large");
+        value = value * 10 + static_cast<uint64_t>(c - '0');
+    }
+    return static_cast<uint32_t>(value);
+}
+
+PnmHeader read_pnm_header(InputFile &file, const std::string &path) {
+    int p = file.get(), kind = file.get();
+    if (p != 'P' || (kind != '5' && kind != '6'))
+        throw ToolError(path + ": not a binary PGM or PPM file (P5 or P6)");
+    PnmHeader header{};
+    header.colour = kind == '6';
+    int c = file.get();
+    header.width = header_number(file, path, c);
+    header.height = header_number(file, path, c);
+    header.maxval = header_number(file, path, c);
+    if (!std::isspace(c))
+        throw ToolError(path + ": malformed PGM/PPM header");
+    if (header.maxval == 0 || header.maxval > 65535)
+        throw ToolError(path + ": PGM/PPM maxval " +
+                        std::to_string(header.maxval) +
+                        " is outside 1 to 65535");
+    return header;
+}
+
+// The format that holds a PGM/PPM's samples: 8-bit grey or BGR24 up to
+// maxval 255; above, the narrowest grey depth that holds maxval, or BGR36
+// and BGR48 for colour.
+const FormatInfo &natural_format(const PnmHeader &header) {
+    if (header.colour)
+        return format_of(header.maxval < 256    ? ORV_FORMAT_BGR24
+                         : header.maxval < 4096 ? ORV_FORMAT_BGR36
+                                                : ORV_FORMAT_BGR48);
+    return format_of(header.maxval < 256    ? ORV_FORMAT_Y8
+                     : header.maxval < 1024 ? ORV_FORMAT_Y10
+                     : header.maxval < 4096 ? ORV_FORMAT_Y12
+                     : header.maxval < 16384 ? ORV_FORMAT_Y14
+                                             : ORV_FORMAT_Y16);
+}
+
+// A grey PGM can also carry a Bayer mosaic (or grey of another depth):
+// --format names the format when its samples have the file's size.
+const FormatInfo &pnm_format(const PnmHeader &header, const InputSpec &spec,
+                             const std::string &path) {
+    const FormatInfo &natural = natural_format(header);
+    if (!spec.format || spec.format == &natural)
+        return natural;
+    const FormatInfo &wanted = *spec.format;
+    bool one_sample = wanted.family == Family::bayer ||
+                      wanted.samples.channels == 1;
+    if (header.colour || !one_sample ||
+        wanted.bits_per_pixel != natural.bits_per_pixel)
+        throw ToolError(path + ": --format " + wanted.name + " does not fit " +
+                        (header.colour ? "a PPM" : "a PGM") + " of " +
+                        (natural.bits_per_pixel > 8 ? "16" : "8") +
+                        "-bit samples");
+    return wanted;
+}
+
+// PGM/PPM samples are big-endian and R, G, B; the image's are
+// little-endian and B, G, R.
+void store_line(const uint8_t *in, uint8_t *out, uint32_t width,
+                bool colour, bool wide) {
+    size_t sample = wide ? 2 : 1;
+    size_t channels = colour ? 3 : 1;
+    for (uint32_t x = 0; x < width; ++x) {
+        for (size_t c = 0; c < channels; ++c) {
+            const uint8_t *from = in + (x * channels + c) * sample;
+            uint8_t *to = out + (x * channels + (colour ? 2 - c : c)) * sample;
+            if (wide) {
+                to[0] = from[1];
+                to[1] = from[0];
+            } else {
+                to[0] = from[0];
+            }
+        }
+    }
+}
+
+Image read_pnm(const std::string &path, const InputSpec &spec) {
+    InputFile file(path);
+    PnmHeader header = read_pnm_header(file, path);
+    check_geometry(path, header.width, header.height);
+    const FormatInfo &format = pnm_format(header, spec, path);
+    bool wide = header.maxval > 255;
+    size_t line = size_t{header.width} * (header.colour ? 3 : 1) * (wide ? 2 : 1);
+    file.require(uint64_t{line} * header.height,
+                 geometry_text(header.width, header.height, format));
+
+    Image image = packed_image(format, header.width, header.height);
+    std::vector<uint8_t> buffer(line);
+    for (uint32_t y = 0; y < header.height; ++y) {
+        file.read(buffer.data(), line);
+        store_line(buffer.data(), image.line(y), header.width, header.colour,
+                   wide);
+    }
+    return image;
+}
+
+} // namespace
+
+void check_raw_spec(const InputSpec &spec, const std::string &path) {
+    if (!spec.format || !spec.width || !spec.height)
+        throw UsageError(path + ": a raw dump needs --format, --width and "
+                                "--height");
+    const FormatInfo &format = *spec.format;
+    if (format.bits_per_pixel == 0)
+        throw UsageError(path + ": format " + format.name +
+                         " has no pixel layout to read");
+    if ((format.code == ORV_FORMAT_YUV422 || format.code == ORV_FORMAT_Y12P) &&
+        *spec.width % 2 != 0)
+        throw UsageError(path + ": " + format.name +
+                         " packs pixels in pairs: --width must be even");
+    uint64_t line = packed_line_bytes(format, *spec.width);
+    if (spec.stride && *spec.stride < line)
+        throw UsageError(path + ": --stride " + std::to_string(*spec.stride) +
+                         " is smaller than a line of " +
+                         std::to_string(*spec.width) + " " + format.name +
+                         " pixels (" + std::to_string(line) + " bytes)");
+}
+
+bool is_raw_input(const std::string &path) { return !is_pnm_path(path); }
+
+Image read_image(const std::string &path, const InputSpec &spec) {
+    Image image = is_pnm_path(path) ? read_pnm(path, spec) : read_raw(path, spec);
+    if (image.format().family == Family::bayer)
+        image.set_bayer(spec.bayer_method, spec.bayer_phase);
+    return image;
+}
+
+} // namespace orvtool
