@@ -1,13 +1,50 @@
 /*
  * OrvaneImage Bayer demosaicing: the 81 routines
  * OVC_<BAY8|BAYn>_to_<output>_<method>_<phase>.
+ *
+ * Each routine turns the Bayer mosaic of `source` (one colour sample per
+ * site) into full colour in `destination`. The source's width and height
+ * drive the whole walk; the destination must hold that many lines of that
+ * many pixels at its own stride (its width, height and format are never
+ * read). OVC_Convert picks the routine from the source's Bayer method and
+ * phase, but every routine can also be called directly.
+ *
+ *   OVC_BAY8_to_<output>_<method>_<phase>(source, destination)
+ *       8-bit mosaic, one byte per site.
+ *   OVC_BAYn_to_<output>_<method>_<phase>(source, destination, depth)
+ *       mosaic of 16-bit little-endian words holding `depth` significant
+ *       bits (10, 12, 14 or 16); samples are narrowed to 8-bit channels by
+ *       a right shift of depth - 8.
+ *
+ * Returns ORV_OK once the image is written; ORV_ERROR_BAD_PARAM, with
+ * nothing written, when either buffer is not valid or, for BAYn, when the
+ * depth is 8. Nothing else is checked: callers pass a width of at least 2
+ * (and, for ave and med, a height of at least 2, or room for a second
+ * line). The fourth byte of every BGRX32 and RGBX32 pixel is never written.
+ *
+ * The list of routines is orvane/bayer_members.h.
  */
 #ifndef ORVANE_BAYER_H
 #define ORVANE_BAYER_H
 
 #include <orvane/types.h>
+#include <orvane/bayer_members.h>
+
+#define ORV_BAYER_ARGUMENTS_BAY8 (OFS_HANDLE source, OFS_HANDLE destination)
+#define ORV_BAYER_ARGUMENTS_BAYn \
+    (OFS_HANDLE source, OFS_HANDLE destination, uint32_t depth)
+
+/* The name and argument list of one demosaic routine. */
+#define ORV_BAYER_SIGNATURE(source, output, method, phase)                  \
+    ORV_STATUS OVC_##source##_to_##output##_##method##_##phase              \
+        ORV_BAYER_ARGUMENTS_##source
 
 ORV_EXTERN_C_BEGIN
+
+#define ORV_BAYER_DECLARE(source, output, method, phase)                    \
+    ORV_API ORV_BAYER_SIGNATURE(source, output, method, phase);
+ORV_BAYER_MEMBERS(ORV_BAYER_DECLARE)
+#undef ORV_BAYER_DECLARE
 
 ORV_EXTERN_C_END
 
