@@ -9,32 +9,21 @@ namespace orvtool {
 
 namespace {
 
-constexpr uint32_t kProbeStride = 64;
-
-// A zero-height conversion checks the pair and converts nothing: it
-// returns ORV_OK for a pair the library converts and
-// ORV_ERROR_NOT_SUPPORTED for any other.
-bool converts(const FormatInfo &source, const FormatInfo &destination) {
-    Image from(source, 2, 0, kProbeStride);
-    Image to(destination, 2, 0, kProbeStride);
-    return OVC_Convert(from.handle(), to.handle()) == ORV_OK;
-}
-
-// Bayer pairs are asked with a real 2 x 2 mosaic instead: a demosaic
-// routine needs two lines to work on, and OVC_Convert runs one whenever
-// the method and phase are offered. ORV_ERROR_NOT_IMPLEMENTED answers a
-// method or phase that the pair does not offer.
-ORV_STATUS demosaic_probe(const FormatInfo &source,
-                          const FormatInfo &destination, uint32_t method,
-                          uint32_t phase) {
+// Bayer pairs are asked once more per method and phase, with a real 2 x 2
+// mosaic: the demosaic routines need two lines and two columns, and
+// OVC_Convert runs one whenever the pair offers the method and phase.
+// ORV_ERROR_NOT_IMPLEMENTED answers a method or phase that it does not
+// offer.
+bool demosaic_offered(const FormatInfo &source, const FormatInfo &destination,
+                      uint32_t method, uint32_t phase) {
+    constexpr uint32_t kProbeStride = 64;
     Image from(source, 2, 2, kProbeStride);
     Image to(destination, 2, 2, kProbeStride);
     from.set_bayer(method, phase);
-    return OVC_Convert(from.handle(), to.handle());
+    return OVC_Convert(from.handle(), to.handle()) == ORV_OK;
 }
 
-// " (dup ave med)", " (dup)" or " (dup, phase a only)": what a Bayer pair
-// offers; empty when the pair does not convert at all.
+// "dup ave med", "dup" or "dup, phase a only": what a Bayer pair offers.
 std::string offered_methods(const FormatInfo &source,
                             const FormatInfo &destination) {
     std::string text;
@@ -42,14 +31,11 @@ std::string offered_methods(const FormatInfo &source,
         std::string phases;
         size_t count = 0;
         for (const NamedValue &phase : kBayerPhases) {
-            ORV_STATUS status =
-                demosaic_probe(source, destination, method.value, phase.value);
-            if (status == ORV_ERROR_NOT_SUPPORTED)
-                return std::string();
-            if (status == ORV_OK) {
-                phases += (phases.empty() ? "" : " ") + std::string(phase.name);
-                ++count;
-            }
+            if (!demosaic_offered(source, destination, method.value,
+                                  phase.value))
+                continue;
+            phases += (phases.empty() ? "" : " ") + std::string(phase.name);
+            ++count;
         }
         if (count == 0)
             continue;
@@ -57,7 +43,7 @@ std::string offered_methods(const FormatInfo &source,
         if (count < kBayerPhases.size())
             text += ", phase " + phases + " only";
     }
-    return text.empty() ? text : " (" + text + ")";
+    return text;
 }
 
 } // namespace
@@ -78,13 +64,11 @@ int run_formats() {
     for (const FormatInfo &source : kFormats) {
         std::string line;
         for (const FormatInfo &destination : kFormats) {
-            if (source.family == Family::bayer) {
-                std::string methods = offered_methods(source, destination);
-                if (!methods.empty())
-                    line += std::string(" ") + destination.name + methods;
-            } else if (converts(source, destination)) {
-                line += std::string(" ") + destination.name;
-            }
+            if (!library_converts(source, destination))
+                continue;
+            line += std::string(" ") + destination.name;
+            if (source.family == Family::bayer)
+                line += " (" + offered_methods(source, destination) + ")";
         }
         std::printf("  %-7s ->%s\n", source.name,
                     line.empty() ? " (none: not a source)" : line.c_str());

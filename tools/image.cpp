@@ -132,6 +132,15 @@ Image convert(const Image &source, const FormatInfo &target,
     return destination;
 }
 
+bool library_converts(const FormatInfo &source,
+                      const FormatInfo &destination) {
+    constexpr uint32_t kProbeStride = 64;
+    Image from(source, 2, 0, kProbeStride);
+    Image to(destination, 2, 0, kProbeStride);
+    ORV_STATUS status = OVC_Convert(from.handle(), to.handle());
+    return status == ORV_OK || status == ORV_ERROR_NOT_IMPLEMENTED;
+}
+
 Image frame_for(const Image &field) {
     return Image(field.format(), field.width(), 2 * field.height(),
                  field.stride());

@@ -73,6 +73,12 @@ void convert_into(const Image &source, Image &destination,
 Image convert(const Image &source, const FormatInfo &target,
               const std::string &subject);
 
+// Whether OVC_Convert converts `source` into `destination`, asked with
+// zero-height images: the library checks the pair and converts nothing.
+// Bayer sources carry no method, so the demosaic routines are never run
+// and a pair they serve answers ORV_ERROR_NOT_IMPLEMENTED.
+bool library_converts(const FormatInfo &source, const FormatInfo &destination);
+
 // The frame of 2 x height lines that OVC_FieldToFrame rebuilds from
 // `field`, same format and line length.
 Image frame_for(const Image &field);

@@ -76,7 +76,7 @@ const FormatInfo &format_of(uint32_t code) { return *format_by_code(code); }
 std::vector<uint8_t> file_order_samples(const Image &image, bool widen) {
     const SampleLayout &layout = image.format().samples;
     const size_t pixel_bytes = image.format().bits_per_pixel / 8;
-    const unsigned bits = layout.bits;
+    const unsigned bits = image.format().depth;
     const uint32_t mask = (1u << bits) - 1;
     std::vector<uint8_t> out(size_t{image.width()} * image.height() *
                              layout.channels * layout.sample_bytes);
@@ -166,7 +166,7 @@ void write_png(const Image &image, const std::string &temporary,
     PngShape shape{image.width(), image.height(),
                    layout.channels == 3 ? PNG_COLOR_TYPE_RGB
                                         : PNG_COLOR_TYPE_GRAY,
-                   layout.sample_bytes * 8, layout.bits};
+                   layout.sample_bytes * 8, image.format().depth};
 
     std::FILE *file = std::fopen(temporary.c_str(), "wb");
     if (!file)
@@ -190,7 +190,7 @@ void write_pnm(const Image &image, const std::string &temporary,
     if (!file)
         throw ToolError(target + ": cannot write: " + system_message(errno));
     std::fprintf(file, "P%c\n%u %u\n%u\n", layout.channels == 3 ? '6' : '5',
-                 image.width(), image.height(), (1u << layout.bits) - 1);
+                 image.width(), image.height(), (1u << image.format().depth) - 1);
     bool written =
         std::fwrite(samples.data(), 1, samples.size(), file) == samples.size();
     int error = written ? 0 : errno;
@@ -210,6 +210,43 @@ void check_library_write(ORV_STATUS status, const Image &image,
                     std::to_string(image.width()) + " x " +
                     std::to_string(image.height()) + " " +
                     image.format().name + " (" + status_name(status) + ")");
+}
+
+// What each file type holds without conversion. The library's TIFF writer
+// finishes 8-bit grey and BGR24 files only; it is never handed another
+// format, because it leaves the stream of a refused file open.
+bool file_holds(FileType type, const FormatInfo &format) {
+    unsigned channels = format.samples.channels;
+    switch (type) {
+    case FileType::png: return channels != 0;
+    case FileType::pgm: return channels == 1;
+    case FileType::ppm: return channels == 3;
+    case FileType::tiff:
+        return format.code == ORV_FORMAT_Y8 || format.code == ORV_FORMAT_BGR24;
+    case FileType::raw: return true;
+    }
+    return false;
+}
+
+// Formats worth converting into for `type`, best first: grey stays grey
+// where the file allows it, and samples deeper than 8 bits keep 16 bits.
+std::vector<uint32_t> candidates(FileType type, const FormatInfo &source) {
+    bool deep = source.depth > 8;
+    switch (type) {
+    case FileType::tiff:
+        return {ORV_FORMAT_Y8, ORV_FORMAT_BGR24};
+    case FileType::pgm:
+        if (deep)
+            return {ORV_FORMAT_Y16, ORV_FORMAT_Y8};
+        return {ORV_FORMAT_Y8};
+    case FileType::png:
+    case FileType::ppm:
+    case FileType::raw:
+        break;
+    }
+    if (deep)
+        return {ORV_FORMAT_BGR48, ORV_FORMAT_BGR24};
+    return {ORV_FORMAT_BGR24};
 }
 
 } // namespace
@@ -242,38 +279,21 @@ const char *file_type_name(FileType type) {
 
 const FormatInfo &default_target(const FormatInfo &source, FileType type,
                                  const std::string &out) {
-    unsigned channels = source.samples.channels;
-    switch (type) {
-    case FileType::tiff:
-        // The library's TIFF writer finishes 8-bit grey and BGR24 files.
-        return format_of(channels == 1 ? ORV_FORMAT_Y8 : ORV_FORMAT_BGR24);
-    case FileType::pgm:
-        if (channels == 1)
-            return source;
-        throw UsageError(out + ": a PGM file holds grey samples and the "
-                               "library converts " +
-                         source.name + " to no grey format (write .ppm or "
-                                       ".png)");
-    case FileType::ppm:
-        if (channels == 3)
-            return source;
-        return format_of(source.code == ORV_FORMAT_Y16 ? ORV_FORMAT_BGR48
-                                                       : ORV_FORMAT_BGR24);
-    case FileType::png:
-    case FileType::raw:
-        break;
+    if (file_holds(type, source))
+        return source;
+    for (uint32_t code : candidates(type, source)) {
+        const FormatInfo &candidate = format_of(code);
+        if (library_converts(source, candidate))
+            return candidate;
     }
-    return channels != 0 ? source : format_of(ORV_FORMAT_BGR24);
+    throw UsageError(out + ": the library converts " + source.name +
+                     " into nothing a " + file_type_name(type) +
+                     " file holds (choose another file type)");
 }
 
 void check_file_holds(FileType type, const FormatInfo &format,
                       const std::string &out) {
-    unsigned channels = format.samples.channels;
-    bool holds = type == FileType::tiff || type == FileType::raw ||
-                 (type == FileType::png && channels != 0) ||
-                 (type == FileType::pgm && channels == 1) ||
-                 (type == FileType::ppm && channels == 3);
-    if (!holds)
+    if (!file_holds(type, format))
         throw UsageError(out + ": a " + file_type_name(type) +
                          " file cannot hold " + format.name +
                          " pixels (choose another --to, or write .raw)");

@@ -57,7 +57,9 @@ const char *kOutputHelp =
 
 const char *kToHelp =
     "Convert to this format before writing (default: the input's own format "
-    "if the output holds it, else BGR24, or 8-bit grey for a grey TIFF)";
+    "if the output holds it, else the first the library converts it into "
+    "of: 8-bit grey for a TIFF, 16-bit grey for a PGM of deep samples, "
+    "8-bit grey for a PGM, BGR48 for deep samples, BGR24)";
 
 int run(int argc, char **argv) {
     CLI::App app{"orvane " ORVANE_VERSION

@@ -23,7 +23,6 @@ namespace orvtool {
 struct SampleLayout {
     uint8_t channels;     // 0, 1 (grey) or 3 (R, G, B)
     uint8_t sample_bytes; // 1 or 2
-    uint8_t bits;         // significant bits of a sample
     std::array<uint8_t, 3> offset; // byte offset of grey, or of R, G, B
 };
 
@@ -33,6 +32,7 @@ struct FormatInfo {
     const char *name; // command-line name, lower case
     uint32_t code;
     uint32_t bits_per_pixel; // 0: no defined layout
+    uint32_t depth;          // significant bits of a sample (of a channel)
     Family family;
     const char *layout;
     SampleLayout samples;

@@ -410,6 +410,7 @@ TEST_P(BadInputTest, FailsWithOneLineAndLeavesNoFile) {
     spill(dir / "short.raw", std::string(1000, '\0'));
     spill(dir / "grey.pgm", pnm('5', 8, 6, 255, 1));
     spill(dir / "grey16.pgm", pnm('5', 8, 6, 65535, 2));
+    spill(dir / "colour.ppm", pnm('6', 8, 6, 255, 4));
     spill(dir / "narrow.pgm", pnm('5', 2, 6, 255, 3));
     spill(dir / "short.pgm", "P5\n64 64\n255\n" + std::string(10, '\0'));
     spill(dir / "huge.pgm", "P5\n100000 100000\n255\n" + std::string(10, '\0'));
@@ -493,8 +494,10 @@ INSTANTIATE_TEST_SUITE_P(
                  {"convert", "mosaic.raw", "-o", "o.png", "--format", "yuv422",
                   "--width", "15", "--height", "2"},
                  "mosaic.raw: yuv422 packs pixels in pairs: --width must be even", 2},
-        BadInput{"tiff-refuses", {"convert", "grey16.pgm", "-o", "o.tif", "--to", "y16"},
-                 "o.tif: the library's TIFF writer refused 8 x 6 y16", 1},
+        BadInput{"tiff-cannot-hold", {"convert", "grey16.pgm", "-o", "o.tif", "--to", "y16"},
+                 "o.tif: a TIFF file cannot hold y16 pixels", 2},
+        BadInput{"pgm-from-colour", {"convert", "colour.ppm", "-o", "o.pgm"},
+                 "o.pgm: the library converts bgr24 into nothing a PGM file holds", 1},
         BadInput{"extension", {"convert", "grey.pgm", "-o", "o.jpg"},
                  "o.jpg: unknown output type", 2},
         BadInput{"png-cannot-hold", {"convert", "grey.pgm", "-o", "o.png", "--to", "rgb16"},
