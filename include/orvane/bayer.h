@@ -35,14 +35,14 @@
     (OFS_HANDLE source, OFS_HANDLE destination, uint32_t depth)
 
 /* The name and argument list of one demosaic routine. */
-#define ORV_BAYER_SIGNATURE(source, output, method, phase)                  \
-    ORV_STATUS OVC_##source##_to_##output##_##method##_##phase              \
-        ORV_BAYER_ARGUMENTS_##source
+#define ORV_BAYER_SIGNATURE(SRC, OUT, METHOD, PHASE)                        \
+    ORV_STATUS OVC_##SRC##_to_##OUT##_##METHOD##_##PHASE                    \
+        ORV_BAYER_ARGUMENTS_##SRC
 
 ORV_EXTERN_C_BEGIN
 
-#define ORV_BAYER_DECLARE(source, output, method, phase)                    \
-    ORV_API ORV_BAYER_SIGNATURE(source, output, method, phase);
+#define ORV_BAYER_DECLARE(SRC, OUT, METHOD, PHASE)                          \
+    ORV_API ORV_BAYER_SIGNATURE(SRC, OUT, METHOD, PHASE);
 ORV_BAYER_MEMBERS(ORV_BAYER_DECLARE)
 #undef ORV_BAYER_DECLARE
 
