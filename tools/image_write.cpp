@@ -1,71 +1,21 @@
 // Writing outputs: PNG through libpng and PGM/PPM by the tool, TIFF and
-// raw files through the library's own writers. Each goes to a temporary
-// file beside the destination that is renamed over it once complete.
+// raw files through the library's own writers. Each goes to a pending file
+// beside the destination that is renamed over it once complete.
 #include "errors.h"
 #include "image_io.h"
+#include "pending_file.h"
 
-#include <fcntl.h>
 #include <png.h>
-#include <unistd.h>
 
-#include <atomic>
 #include <cctype>
 #include <cerrno>
 #include <csetjmp>
 #include <cstdio>
-#include <cstring>
 #include <vector>
 
 namespace orvtool {
 
 namespace {
-
-// A unique empty file in the destination's directory. commit() renames it
-// over the destination; otherwise the destructor removes it.
-class PendingFile {
-public:
-    explicit PendingFile(std::string target) : target_(std::move(target)) {
-        static std::atomic<unsigned> counter{0};
-        std::string::size_type slash = target_.rfind('/');
-        std::string directory =
-            slash == std::string::npos ? "" : target_.substr(0, slash + 1);
-        std::string name =
-            slash == std::string::npos ? target_ : target_.substr(slash + 1);
-        for (;;) {
-            path_ = directory + "." + name + ".orvane-" +
-                    std::to_string(getpid()) + "-" +
-                    std::to_string(counter++) + ".tmp";
-            int fd = open(path_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC,
-                          0666);
-            if (fd >= 0) {
-                close(fd);
-                return;
-            }
-            if (errno != EEXIST)
-                throw ToolError(target_ + ": cannot write: " +
-                                system_message(errno));
-        }
-    }
-    ~PendingFile() {
-        if (!committed_)
-            std::remove(path_.c_str());
-    }
-    PendingFile(const PendingFile &) = delete;
-    PendingFile &operator=(const PendingFile &) = delete;
-
-    const std::string &path() const { return path_; }
-    void commit() {
-        if (std::rename(path_.c_str(), target_.c_str()) != 0)
-            throw ToolError(target_ + ": cannot rename into place: " +
-                            system_message(errno));
-        committed_ = true;
-    }
-
-private:
-    std::string target_;
-    std::string path_;
-    bool committed_ = false;
-};
 
 const FormatInfo &format_of(uint32_t code) { return *format_by_code(code); }
 

@@ -3,6 +3,7 @@
 // command line; the commands live in their own files.
 #include "commands.h"
 #include "errors.h"
+#include "pending_file.h"
 
 #include <CLI/CLI.hpp>
 
@@ -154,6 +155,7 @@ int run(int argc, char **argv) {
 } // namespace
 
 int main(int argc, char **argv) {
+    remove_pending_files_on_signal();
     try {
         return run(argc, argv);
     } catch (const UsageError &e) {

@@ -3,7 +3,10 @@
 #include <gtest/gtest.h>
 #include <png.h>
 
+#include <fcntl.h>
+#include <signal.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <csetjmp>
@@ -554,6 +557,44 @@ TEST(Convert, ParallelRunWritesTheSameBytesAsOneAtATime) {
             fs::remove_all(dir / "out-1");
             fs::remove_all(dir / "out-4");
         }
+}
+
+// An interrupted conversion removes its pending file: neither a partial
+// output nor a temporary file is left.
+TEST(Convert, InterruptLeavesNoFileBehind) {
+    fs::path dir = work_directory("interrupt");
+    // Noise that takes libpng a while to compress.
+    spill(dir / "big.pgm", pnm('5', 3000, 3000, 65535, 9));
+    pid_t child = fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+        int null = open("/dev/null", O_WRONLY);
+        if (chdir(dir.c_str()) != 0 || null < 0)
+            _exit(127);
+        dup2(null, STDOUT_FILENO);
+        dup2(null, STDERR_FILENO);
+        execl(ORVANE_TOOL, ORVANE_TOOL, "convert", "big.pgm", "-o", "big.png",
+              static_cast<char *>(nullptr));
+        _exit(127);
+    }
+    auto pending = [&] {
+        for (const std::string &name : entries(dir))
+            if (name.find(".orvane-") != std::string::npos)
+                return true;
+        return false;
+    };
+    bool seen = false;
+    for (int wait = 0; wait < 40000 && !seen; ++wait) {
+        seen = pending();
+        if (!seen)
+            usleep(250);
+    }
+    kill(child, SIGINT);
+    int status = 0;
+    waitpid(child, &status, 0);
+    ASSERT_TRUE(seen) << "no pending file appeared while converting";
+    EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGINT) << status;
+    EXPECT_EQ(entries(dir), std::set<std::string>{"big.pgm"});
 }
 
 // ---- what the tool reports about the library and itself ----------------------
