@@ -55,8 +55,6 @@ uint8_t luma(Rgb c) {
                                 1000);
 }
 
-const FormatInfo &format_of(uint32_t code) { return *format_by_code(code); }
-
 void store_u16(uint8_t *at, uint32_t value) {
     at[0] = static_cast<uint8_t>(value);
     at[1] = static_cast<uint8_t>(value >> 8);

@@ -80,8 +80,6 @@ std::string geometry_text(uint32_t width, uint32_t height,
            format.name;
 }
 
-const FormatInfo &format_of(uint32_t code) { return *format_by_code(code); }
-
 bool has_extension(const std::string &path, const char *extension) {
     std::string::size_type dot = path.find_last_of("./");
     if (dot == std::string::npos || path[dot] != '.')

@@ -17,8 +17,6 @@ namespace orvtool {
 
 namespace {
 
-const FormatInfo &format_of(uint32_t code) { return *format_by_code(code); }
-
 // The image's samples in file order, line after line: grey, or R, G, B;
 // 16-bit samples big-endian. With `widen`, samples of fewer than 16
 // significant bits are scaled to the full 16 bits by bit replication (as

@@ -44,6 +44,8 @@ extern const std::array<FormatInfo, 30> kFormats;
 const FormatInfo *find_format(std::string_view name_or_code);
 // By full code; nullptr for a code the tool does not name.
 const FormatInfo *format_by_code(uint32_t code);
+// One of the ORV_FORMAT_ codes, which all have an entry.
+inline const FormatInfo &format_of(uint32_t code) { return *format_by_code(code); }
 // Bytes of one line of `width` pixels without padding (rounded up).
 uint64_t packed_line_bytes(const FormatInfo &format, uint32_t width);
 
