@@ -1,11 +1,90 @@
-// Routing of Bayer sources to the demosaic routines (not routed yet).
+// Routing of Bayer sources: OVC_Convert checks that the destination can
+// hold the demosaiced image, then calls the one demosaic routine named by
+// the source's method and phase and the destination's format.
+//
+// What each output offers is exactly the list of demosaic routines
+// (orvane/bayer_members.h): a method or phase with no routine there is
+// not implemented. The routine's own status is not passed on; once it has
+// been called the conversion reports success.
+#include <orvane/bayer.h>
+
 #include "frame.h"
 
 namespace orv {
+namespace {
 
-ORV_STATUS convert_from_bayer(const ConversionJob &, uint32_t, OFS_HANDLE,
-                              OFS_HANDLE) {
-    return ORV_ERROR_NOT_SUPPORTED;
+enum class SourceClass { BAY8, BAYn };
+
+// Capacity test of each Bayer pair: w x h x k against m x stride x height.
+// The n-bit BGR24 pair states its test doubled on both sides.
+bool bayer_capacity(SourceClass source, uint32_t output, Capacity &capacity) {
+    switch (output) {
+    case ORV_FORMAT_RGB16 & 0xFFu: capacity = {2, 1}; return true;
+    case ORV_FORMAT_BGRX32 & 0xFFu: capacity = {4, 1}; return true;
+    case ORV_FORMAT_RGBX32 & 0xFFu: capacity = {4, 1}; return true;
+    case ORV_FORMAT_BGR24 & 0xFFu:
+        capacity = source == SourceClass::BAY8 ? Capacity{3, 1} : Capacity{6, 2};
+        return true;
+    case ORV_FORMAT_BGR16 & 0xFFu: // made from 8-bit mosaics only
+        capacity = {2, 1};
+        return source == SourceClass::BAY8;
+    default:
+        return false;
+    }
+}
+
+// The depth an n-bit source format carries; BAY10 is the fallback.
+uint32_t bayer_depth(uint32_t source_format) {
+    switch (source_format) {
+    case ORV_FORMAT_BAY12 & 0xFFu: return 12;
+    case ORV_FORMAT_BAY14 & 0xFFu: return 14;
+    case ORV_FORMAT_BAY16 & 0xFFu: return 16;
+    default: return 10;
+    }
+}
+
+constexpr uint32_t method_dup = ORV_BAYER_METHOD_DUP;
+constexpr uint32_t method_ave = ORV_BAYER_METHOD_AVE;
+constexpr uint32_t method_med = ORV_BAYER_METHOD_MED;
+
+#define ORV_ROUTE_ARGUMENTS_BAY8 (source, destination)
+#define ORV_ROUTE_ARGUMENTS_BAYn (source, destination, depth)
+
+// Calls the routine of the member list that matches, if there is one.
+#define ORV_ROUTE_MEMBER(SRC, OUT, METHOD, PHASE)                           \
+    if (source_class == SourceClass::SRC &&                                 \
+        output == (ORV_FORMAT_##OUT & 0xFFu) && method == method_##METHOD && \
+        phase == ORV_BAYER_PHASE_##PHASE) {                                 \
+        OVC_##SRC##_to_##OUT##_##METHOD##_##PHASE ORV_ROUTE_ARGUMENTS_##SRC; \
+        return true;                                                        \
+    }
+
+bool call_demosaic(SourceClass source_class, uint32_t output, uint32_t method,
+                   uint32_t phase, OFS_HANDLE source, OFS_HANDLE destination,
+                   uint32_t depth) {
+    ORV_BAYER_MEMBERS(ORV_ROUTE_MEMBER)
+    return false;
+}
+
+#undef ORV_ROUTE_MEMBER
+
+} // namespace
+
+ORV_STATUS convert_from_bayer(const ConversionJob &job, uint32_t key,
+                              OFS_HANDLE source, OFS_HANDLE destination) {
+    const uint32_t source_format = key >> 8;
+    const uint32_t output = key & 0xFFu;
+    const SourceClass source_class =
+        source_format == (ORV_FORMAT_BAY8 & 0xFFu) ? SourceClass::BAY8
+                                                    : SourceClass::BAYn;
+    Capacity capacity{};
+    if (!bayer_capacity(source_class, output, capacity))
+        return ORV_ERROR_NOT_SUPPORTED;
+    if (destination_too_small(job, capacity)) return ORV_ERROR_BAD_PARAM;
+    if (!call_demosaic(source_class, output, job.bayer_method, job.bayer_phase,
+                       source, destination, bayer_depth(source_format)))
+        return ORV_ERROR_NOT_IMPLEMENTED;
+    return ORV_OK;
 }
 
 } // namespace orv
