@@ -75,8 +75,6 @@ Outcome run(const Member &m, const Geometry &g, const std::vector<uint8_t> &sour
     return ::testing::AssertionSuccess();
 }
 
-} // namespace
-
 std::vector<uint8_t> source_memory(const Member &m, const Geometry &g, uint32_t seed) {
     std::vector<uint8_t> bytes = orv_test::random_bytes(model_memory_size(m, g), seed);
     // Half the n-bit images keep their samples within the depth; the other
@@ -92,6 +90,8 @@ std::vector<uint8_t> source_memory(const Member &m, const Geometry &g, uint32_t 
                                          const std::vector<uint8_t> &preset) {
     return compare(m, g, run(m, g, source, preset));
 }
+
+} // namespace
 
 void check_random_images(Method method) {
     const uint32_t widths[] = {2, 3, 4, 5, 6, 7, 10, 13};

@@ -11,20 +11,6 @@
 
 namespace bayer_test {
 
-// Random source memory for the model: the mosaic's lines at its stride,
-// with room past the image for the reads a routine may make there.
-std::vector<uint8_t> source_memory(const Member &m, const bayer_model::Geometry &g,
-                                   uint32_t seed);
-
-// Runs `m` on `source` (as laid out by source_memory) into a destination
-// preset to `preset`, and checks every destination byte against the
-// model. The source buffer ends exactly where the model's reads end, so a
-// sanitizer build catches any read beyond them.
-::testing::AssertionResult matches_model(const Member &m,
-                                         const bayer_model::Geometry &g,
-                                         const std::vector<uint8_t> &source,
-                                         const std::vector<uint8_t> &preset);
-
 // Every member of `method` on random mosaics of many widths, heights,
 // strides and depths, against the model.
 void check_random_images(bayer_model::Method method);

@@ -23,37 +23,14 @@ struct Member {
     BaynRoutine bayn; // set for BAYn members
 };
 
-// A program built with BAYER_TEST_ONLY_DUP, _AVE or _MED lists (and links)
-// the routines of that one method only.
-#define ORV_TEST_KEEP(...) __VA_ARGS__
-#define ORV_TEST_DROP(...)
-#if defined(BAYER_TEST_ONLY_DUP)
-#define ORV_TEST_METHOD_dup ORV_TEST_KEEP
-#define ORV_TEST_METHOD_ave ORV_TEST_DROP
-#define ORV_TEST_METHOD_med ORV_TEST_DROP
-#elif defined(BAYER_TEST_ONLY_AVE)
-#define ORV_TEST_METHOD_dup ORV_TEST_DROP
-#define ORV_TEST_METHOD_ave ORV_TEST_KEEP
-#define ORV_TEST_METHOD_med ORV_TEST_DROP
-#elif defined(BAYER_TEST_ONLY_MED)
-#define ORV_TEST_METHOD_dup ORV_TEST_DROP
-#define ORV_TEST_METHOD_ave ORV_TEST_DROP
-#define ORV_TEST_METHOD_med ORV_TEST_KEEP
-#else
-#define ORV_TEST_METHOD_dup ORV_TEST_KEEP
-#define ORV_TEST_METHOD_ave ORV_TEST_KEEP
-#define ORV_TEST_METHOD_med ORV_TEST_KEEP
-#endif
-
 #define ORV_TEST_ROUTINE_BAY8(f) f, nullptr
 #define ORV_TEST_ROUTINE_BAYn(f) nullptr, f
 #define ORV_TEST_MEMBER(source, output, method, phase)                       \
-    ORV_TEST_METHOD_##method(                                                 \
-        Member{{bayer_model::Source::source, bayer_model::Output::output,     \
-                bayer_model::Method::method, bayer_model::Phase::phase},      \
-               "OVC_" #source "_to_" #output "_" #method "_" #phase,          \
-               ORV_TEST_ROUTINE_##source(                                     \
-                   OVC_##source##_to_##output##_##method##_##phase)},)
+    Member{{bayer_model::Source::source, bayer_model::Output::output,         \
+            bayer_model::Method::method, bayer_model::Phase::phase},          \
+           "OVC_" #source "_to_" #output "_" #method "_" #phase,              \
+           ORV_TEST_ROUTINE_##source(                                         \
+               OVC_##source##_to_##output##_##method##_##phase)},
 
 inline const std::vector<Member> &members() {
     static const std::vector<Member> all = {ORV_BAYER_MEMBERS(ORV_TEST_MEMBER)};
@@ -63,11 +40,6 @@ inline const std::vector<Member> &members() {
 #undef ORV_TEST_MEMBER
 #undef ORV_TEST_ROUTINE_BAYn
 #undef ORV_TEST_ROUTINE_BAY8
-#undef ORV_TEST_METHOD_med
-#undef ORV_TEST_METHOD_ave
-#undef ORV_TEST_METHOD_dup
-#undef ORV_TEST_DROP
-#undef ORV_TEST_KEEP
 
 inline std::vector<Member> members_of(bayer_model::Method method) {
     std::vector<Member> out;
