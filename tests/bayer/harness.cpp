@@ -94,8 +94,8 @@ std::vector<uint8_t> source_memory(const Member &m, const Geometry &g, uint32_t 
 } // namespace
 
 void check_random_images(Method method) {
-    const uint32_t widths[] = {2, 3, 4, 5, 6, 7, 10, 13};
-    const uint32_t heights[] = {0, 1, 2, 3, 4, 5, 8};
+    const uint32_t widths[] = {2, 3, 4, 5, 6, 7, 10, 13, 32};
+    const uint32_t heights[] = {0, 1, 2, 3, 4, 5, 8, 17};
     // Depth 7 and 40 take the shift counts round modulo 32; the med
     // routines fold their halving into the shift, so they skip depth 7.
     const std::vector<uint32_t> depths =
