@@ -176,7 +176,8 @@ Pixel med_site(const Kind &k, Mosaic &s, uint32_t width, uint32_t lines,
     auto at = [&](int dy, int dx) {
         return s(int64_t(y) + dy, int64_t(x) + dx + (dy == 1 ? below_shift : 0));
     };
-    auto avg = [](uint32_t a, uint32_t b) { return value((a + b) >> 1); };
+    // Two-sample means stay sums: the packer halves them within its shift.
+    auto avg = [](uint32_t a, uint32_t b) { return Channel{a + b, false, true}; };
 
     enum { kFirst, kInner, kLast } column =
         x == 0 ? kFirst : (x == width - 1 && width % 2 == 0) ? kLast : kInner;
@@ -241,15 +242,23 @@ Pixel med_site(const Kind &k, Mosaic &s, uint32_t width, uint32_t lines,
     // of the inner G/R lines without the depth shift.
     if (k.source == Source::BAYn && k.phase == Phase::B && k.output != Output::RGB16 &&
         x == 0 && y > 0 && y + 1 < lines && (y & 1) == 0)
-        p.channel[kBlue].unscaled = true;
+        p.channel[kBlue] = {p.channel[kBlue].value >> 1, true, false};
     // What the RGB16 phase-C routines leave in the last column of an odd
     // width from line 1 on is not pinned down.
     if (rgb16_c && width % 2 == 1 && y >= 1 && x == width - 1) p.compared = false;
     return p;
 }
 
-uint32_t shifted(Channel c, uint32_t shift) {
-    return c.unscaled ? c.value : c.value >> (shift & 31);
+// The channel narrowed to the 8-bit scale (not yet cut to a byte).
+uint32_t shifted(Channel c, uint32_t depth) {
+    if (c.unscaled) return c.value;
+    return c.value >> ((c.sum_of_two ? depth - 7 : depth - 8) & 31);
+}
+
+// The five-bit blue field of RGB16, from the full-depth value, unmasked.
+uint32_t blue_field(Channel c, uint32_t depth) {
+    if (c.unscaled) return c.value >> 3;
+    return c.value >> ((c.sum_of_two ? depth - 4 : depth - 5) & 31);
 }
 
 } // namespace
@@ -278,8 +287,7 @@ size_t destination_size(const Kind &kind, const Geometry &g) {
 
 void pack(const Kind &kind, uint32_t depth, Channel red, Channel green,
           Channel blue, uint8_t *pixel) {
-    const uint32_t to8 = depth - 8;
-    auto byte = [&](Channel c) { return uint8_t(shifted(c, to8)); };
+    auto byte = [&](Channel c) { return uint8_t(shifted(c, depth)); };
     uint32_t word = 0;
     switch (kind.output) {
     case Output::BGRX32:
@@ -292,8 +300,8 @@ void pack(const Kind &kind, uint32_t depth, Channel red, Channel green,
     case Output::RGB16:
         // Separate shifts per field; blue is taken from the full-depth value
         // and not masked, so out-of-depth bits spill into green.
-        word = ((shifted(red, to8) >> 3) << 11) | ((shifted(green, to8) << 3) & 0x7E0) |
-               (blue.unscaled ? blue.value >> 3 : blue.value >> ((depth - 5) & 31));
+        word = ((shifted(red, depth) >> 3) << 11) | ((shifted(green, depth) << 3) & 0x7E0) |
+               blue_field(blue, depth);
         break;
     case Output::BGR16:
         word = ((byte(blue) >> 3) << 11) | ((byte(green) << 3) & 0x7E0) | (byte(red) >> 3);

@@ -47,10 +47,13 @@ size_t destination_size(const Kind &kind, const Geometry &g);
 
 // One channel before packing: a full-depth value (a sample, or a mean of
 // samples) that the packer narrows by the depth shift, unless `unscaled`,
-// where the routine packs the value without that shift.
+// where the routine packs the value without that shift. With `sum_of_two`
+// the value is the sum of two samples whose halving the packer folds into
+// its shifts (depth - 7 to a byte, depth - 4 to a five-bit blue field).
 struct Channel {
     uint32_t value;
-    bool unscaled;
+    bool unscaled = false;
+    bool sum_of_two = false;
 };
 
 // Stores one pixel's channels the way `kind.output` lays them out (X
