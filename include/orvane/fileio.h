@@ -25,11 +25,36 @@ ORV_API int OVC_fput_ui16i(FILE *stream, uint32_t value);
 ORV_API int OVC_fput_ui8(FILE *stream, uint32_t value);
 
 /* Saves `buffer` at `path` as a raw dump (OVC_FILE_RAW) or a TIFF file
- * (OVC_FILE_TIFF, see OVC_FileWriteTiff). */
+ * (OVC_FILE_TIFF, see OVC_FileWriteTiff).
+ *
+ * A raw dump holds height x stride bytes from the first pixel on, line
+ * padding included; the count is a 32-bit product and wraps. Returns
+ * ORV_ERROR_BAD_PARAM for an invalid buffer or (raw) a null address,
+ * ORV_ERROR_NOT_SUPPORTED for any other file type (no file is touched),
+ * ORV_ERROR_OPEN_FAILED, ORV_ERROR_WRITE_FAILED for a short write (the file
+ * is closed and keeps what was written), ORV_ERROR_CLOSE_FAILED, and on
+ * success whatever the buffer library returned for the stride query
+ * (ORV_OK from a library that answers normally). */
 ORV_API ORV_STATUS OVC_FileWrite(OFS_HANDLE buffer, const char *path,
                                  uint32_t file_type);
 
-/* Saves `buffer` at `path` as a TIFF file. */
+/* Saves `buffer` at `path` as an uncompressed, single-strip, big-endian
+ * TIFF file. Only ORV_FORMAT_Y8 and ORV_FORMAT_BGR24 give finished files:
+ *  - ImageWidth and ImageLength hold the low 16 bits of the geometry.
+ *  - Each line contributes `width` bytes in memory order. A BGR24 file thus
+ *    holds the first third of each line's pixel bytes, in B, G, R order,
+ *    although it declares RGB and width x height x 3 strip bytes.
+ * Other formats stop part-way:
+ *  - ORV_FORMAT_Y16 returns ORV_ERROR_BAD_PARAM after ten directory entries,
+ *    ORV_FORMAT_RGB24 returns ORV_ERROR_BAD_PARAM after 50 bytes, and any
+ *    other format ORV_ERROR_BAD_FORMAT after the 8-byte header.
+ *  - A stream that cannot tell its position (a pipe) returns
+ *    ORV_ERROR_BAD_PARAM at the first offset it needs.
+ * On these failures the stream is NOT closed: the partial file stays open,
+ * its buffered bytes unflushed, until the process exits (normal exit
+ * flushes it). Only the success path closes the file; a failing close
+ * returns ORV_ERROR_CLOSE_FAILED. Also ORV_ERROR_BAD_PARAM for an invalid
+ * buffer or a zero format (no file touched) and ORV_ERROR_OPEN_FAILED. */
 ORV_API ORV_STATUS OVC_FileWriteTiff(OFS_HANDLE buffer, const char *path);
 
 ORV_EXTERN_C_END
