@@ -26,7 +26,24 @@ ORV_EXTERN_C_BEGIN
 ORV_API ORV_STATUS OVC_FieldToFrame(OFS_HANDLE field, OFS_HANDLE frame,
                                     uint32_t method, uint32_t parity);
 
-/* The four methods, callable directly. */
+/* The four methods, callable directly. Each checks the field's validity
+ * (the frame's is fetched but not tested: OVC_FieldToFrame tests it),
+ * both addresses, and (Bilinear, Median) a non-zero field format, then
+ * compares 2 x width x height of the field, in pixels, with the frame's
+ * height x stride, in bytes (a 32-bit test that multi-byte formats can pass
+ * with a frame too small for the lines written: size frames for 2 x height
+ * lines of the field's stride). The frame receives 2 x height lines placed
+ * at the field's stride, whatever its own.
+ *
+ * Bilinear and Median lay lines out by the field's whole format code: Y8,
+ * the four 32-bit RGB layouts, BGR24, RGB24 and YUV 4:2:2; any other gives
+ * ORV_ERROR_NOT_SUPPORTED. Median's 32-bit lines stop three pixels short,
+ * and the lines after each shift 12 bytes to the left.
+ *
+ * ORV_ERROR_BAD_PARAM also for a field height of 0 and for strides below
+ * the smallest line a layout handles (Bilinear: Y8 below 2; Median: Y8 of
+ * 0; both: 24-bit below 3, 32-bit and YUV 4:2:2 below 8). Nothing is
+ * written on any failure. */
 ORV_API ORV_STATUS OVC_FieldToFrame_LineDup(OFS_HANDLE field, OFS_HANDLE frame,
                                             uint32_t parity);
 ORV_API ORV_STATUS OVC_FieldToFrame_LineAve(OFS_HANDLE field, OFS_HANDLE frame,
