@@ -1,0 +1,147 @@
+// Conversions from YUV 4:2:2: the fixed-point BT.601 arithmetic against a
+// floor-division model over every chroma pair, the worked values, the
+// packed source walk, odd widths, X bytes, and the capacity forms.
+#include "support/test_image.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using orv_test::TestImage;
+using Bytes = std::vector<uint8_t>;
+
+int floor_div(int a, int b) { return a / b - (a % b != 0 && a < 0); }
+uint8_t clamp(int v) { return uint8_t(v < 0 ? 0 : v > 255 ? 255 : v); }
+
+struct Rgb { uint8_t r, g, b; };
+
+Rgb model(int y, int u, int v) {
+    const int d = u - 128, e = v - 128;
+    return {clamp(y + floor_div(1436 * e, 1024)),
+            clamp(y - floor_div(731 * e + 352 * d, 1024)),
+            clamp(y + floor_div(1815 * d, 1024))};
+}
+
+struct Layout {
+    uint32_t low;
+    uint32_t bytes;
+    int r, g, b; // byte offsets; the rest of a pixel is never written
+};
+
+const Layout layouts[] = {{0x07, 4, 3, 2, 1}, {0x08, 4, 2, 1, 0},
+                          {0x0C, 4, 1, 2, 3}, {0x0D, 4, 0, 1, 2},
+                          {0x11, 3, 2, 1, 0}, {0x12, 3, 0, 1, 2}};
+
+TEST(Yuv422Conversions, WorkedValues) {
+    struct Case { uint8_t y, u, v; Rgb expected; };
+    const Case cases[] = {{128, 128, 128, {128, 128, 128}},
+                          {16, 0, 0, {0, 152, 0}},
+                          {235, 255, 255, {255, 101, 255}},
+                          {128, 0, 255, {255, 82, 0}},
+                          {100, 128, 0, {0, 192, 100}}};
+    for (const auto &c : cases) {
+        TestImage source(ORV_FORMAT_YUV422, 2, 1, 4);
+        const Bytes pair = {c.y, c.u, c.y, c.v};
+        std::copy(pair.begin(), pair.end(), source.data());
+        TestImage target(ORV_FORMAT_RGB24, 2, 1, 6);
+        ASSERT_EQ(OVC_Convert(source.handle(), target.handle()), ORV_OK);
+        EXPECT_EQ(target.bytes(), (Bytes{c.expected.r, c.expected.g, c.expected.b,
+                                         c.expected.r, c.expected.g, c.expected.b}))
+            << int(c.y) << " " << int(c.u) << " " << int(c.v);
+    }
+}
+
+TEST(Yuv422Conversions, EveryChromaPairMatchesTheFloorModel) {
+    // One line of 256 x 256 pairs: every (U, V), with varying luma.
+    const uint32_t width = 2 * 65536;
+    TestImage source(ORV_FORMAT_YUV422, width, 1, 2 * width);
+    for (uint32_t i = 0; i < 65536; ++i) {
+        uint8_t *p = source.data() + 4 * i;
+        p[0] = uint8_t(i * 7), p[1] = uint8_t(i), p[2] = uint8_t(255 - i * 3),
+        p[3] = uint8_t(i >> 8);
+    }
+    TestImage target(ORV_FORMAT_BGR24, width, 1, 3 * width);
+    ASSERT_EQ(OVC_Convert(source.handle(), target.handle()), ORV_OK);
+    for (uint32_t i = 0; i < 65536; ++i) {
+        const uint8_t *p = source.data() + 4 * i;
+        for (int k = 0; k < 2; ++k) {
+            const Rgb want = model(p[2 * k], p[1], p[3]);
+            const uint8_t *got = target.data() + 3 * (2 * i + k);
+            ASSERT_EQ(got[0], want.b) << i;
+            ASSERT_EQ(got[1], want.g) << i;
+            ASSERT_EQ(got[2], want.r) << i;
+        }
+    }
+}
+
+// Lines of W pixels read from one packed run of pairs (the source stride is
+// ignored); each destination line starts at the stride from where the last
+// pixel written ends, which is one pixel further on for an odd W.
+TEST(Yuv422Conversions, PackedSourceOddWidthsAndUntouchedBytes) {
+    for (const Layout &layout : layouts) {
+        for (uint32_t width : {1u, 2u, 5u, 6u}) {
+            const uint32_t height = 3, pairs = (width + 1) / 2;
+            const uint32_t dst_stride = width * layout.bytes + 5;
+            // A source stride with padding, which must not be used.
+            TestImage source(ORV_FORMAT_YUV422, width, height, 2 * width + 6,
+                             4 * pairs * height);
+            const Bytes yuv = orv_test::random_bytes(source.size(), width);
+            std::copy(yuv.begin(), yuv.end(), source.data());
+            const size_t room = size_t(dst_stride) * height + 2 * layout.bytes;
+            TestImage target(0xC0022600u | layout.low, width, height, dst_stride, room);
+            const Bytes before = orv_test::random_bytes(room, 99);
+            std::copy(before.begin(), before.end(), target.data());
+            ASSERT_EQ(OVC_Convert(source.handle(), target.handle()), ORV_OK);
+
+            Bytes expected = before;
+            size_t line = 0;
+            for (uint32_t y = 0; y < height; ++y) {
+                for (uint32_t x = 0; x < 2 * pairs; ++x) {
+                    const uint8_t *pair = &yuv[4 * (y * pairs + x / 2)];
+                    const Rgb c = model(pair[2 * (x % 2)], pair[1], pair[3]);
+                    uint8_t *d = &expected[line + x * layout.bytes];
+                    d[layout.r] = c.r, d[layout.g] = c.g, d[layout.b] = c.b;
+                }
+                line += 2 * pairs * layout.bytes + (dst_stride - width * layout.bytes);
+            }
+            EXPECT_EQ(target.bytes(), expected)
+                << std::hex << layout.low << std::dec << " width " << width;
+        }
+    }
+}
+
+TEST(Yuv422Conversions, CapacityTestsAndRefusals) {
+    struct Case {
+        uint32_t low, dst_stride, dst_height;
+        ORV_STATUS expected;
+    };
+    const Case cases[] = {
+        {0x08, 16, 2, ORV_OK},                   // 4 x 2 x 4 = 32 fits exactly
+        {0x08, 15, 2, ORV_ERROR_BAD_PARAM},
+        {0x11, 12, 2, ORV_OK},                   // 4 x 2 x 6 = 48 = 2 x 24
+        {0x11, 11, 2, ORV_ERROR_BAD_PARAM},
+        {0x11, 0x80000001u, 1, ORV_ERROR_BAD_PARAM}, // 2 x size wraps to 2
+        {0x12, 0x80000001u, 1, ORV_ERROR_BAD_PARAM},
+        {0x0D, 16, 2, ORV_OK},
+        {0x01, 64, 2, ORV_ERROR_NOT_SUPPORTED},
+        {0x06, 64, 2, ORV_ERROR_NOT_SUPPORTED},
+        {0x0E, 64, 2, ORV_ERROR_NOT_SUPPORTED},
+    };
+    for (const auto &c : cases) {
+        TestImage source(ORV_FORMAT_YUV422, 4, 2, 8);
+        TestImage target(0xC0022600u | c.low, 4, c.dst_height, c.dst_stride,
+                         64, 0x77);
+        const uint32_t status = OVC_Convert(source.handle(), target.handle());
+        EXPECT_EQ(status, c.expected) << std::hex << c.low << " " << c.dst_stride;
+        if (c.expected != ORV_OK) {
+            EXPECT_EQ(target.bytes(), Bytes(target.size(), 0x77));
+        }
+    }
+    // Height 0 passes any test and writes nothing.
+    TestImage source(ORV_FORMAT_YUV422, 4, 0, 8, 8);
+    TestImage target(ORV_FORMAT_BGRX32, 4, 0, 0, 8, 0x77);
+    EXPECT_EQ(OVC_Convert(source.handle(), target.handle()), ORV_OK);
+    EXPECT_EQ(target.bytes(), Bytes(8, 0x77));
+}
+
+} // namespace
