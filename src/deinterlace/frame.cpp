@@ -62,7 +62,7 @@ ORV_STATUS check_and_query(OFS_HANDLE field, OFS_HANDLE frame,
 // the field stays (the filled line that follows still reads it).
 void copy_line(const uint8_t *field, uint8_t *&frame, uint32_t stride) {
     std::memmove(frame, field, stride);
-    frame += stride;
+    frame = advance(frame, stride);
 }
 
 // Parity zero: F0, F0, fill, F1, ..., F(H-1). Non-zero: F0, fill, F1, ...,

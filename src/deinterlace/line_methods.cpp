@@ -17,7 +17,7 @@ uintptr_t duplicate_line(const uint8_t *above, uint32_t stride, uint8_t *out) {
 // The mean, rounded down, of each byte and the byte below it. The bytes of
 // a multi-byte sample are averaged separately, with no carry between them.
 uintptr_t average_lines(const uint8_t *above, uint32_t stride, uint8_t *out) {
-    const uint8_t *below = above + stride;
+    const uint8_t *below = advance(above, stride);
     for (uint32_t b = 0; b < stride; ++b)
         out[b] = static_cast<uint8_t>((above[b] + below[b]) >> 1);
     return stride;

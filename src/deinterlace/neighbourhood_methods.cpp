@@ -88,10 +88,12 @@ struct MedianOfSix {
 // ---- Line shapes ------------------------------------------------------------
 
 // Y8: a mean, the neighbourhood values, a mean. Strides of 1 and 2 give
-// two means.
+// two means; with a stride of 1 the second is read from one byte past the
+// line below and written over the first byte of the next frame line, which
+// the copy that follows overwrites.
 template <class Rule>
 uintptr_t grey_line(const uint8_t *a, uint32_t stride, uint8_t *out) {
-    const uint8_t *b = a + stride;
+    const uint8_t *b = advance(a, stride);
     out[0] = vertical_mean(a, b, 0);
     if (stride <= 2) {
         out[1] = vertical_mean(a, b, 1);
@@ -103,10 +105,12 @@ uintptr_t grey_line(const uint8_t *a, uint32_t stride, uint8_t *out) {
 }
 
 // 24-bit: a pixel of means, the neighbourhood values, a pixel of means.
-// Strides of 3 to 6 give two pixels of means.
+// Strides of 3 to 6 give two pixels of means: six bytes even when the
+// stride is shorter, read partly past the line below and written partly
+// over the next frame line, which the copy that follows overwrites.
 template <class Rule>
 uintptr_t triple_line(const uint8_t *a, uint32_t stride, uint8_t *out) {
-    const uint8_t *b = a + stride;
+    const uint8_t *b = advance(a, stride);
     for (uint32_t i = 0; i < 3; ++i) out[i] = vertical_mean(a, b, i);
     if (stride <= 6) {
         for (uint32_t i = 3; i < 6; ++i) out[i] = vertical_mean(a, b, i);
@@ -124,7 +128,7 @@ uintptr_t triple_line(const uint8_t *a, uint32_t stride, uint8_t *out) {
 // not a multiple of 4 or for the median's bound.
 template <class Rule>
 uintptr_t quad_line(const uint8_t *a, uint32_t stride, uint8_t *out) {
-    const uint8_t *b = a + stride;
+    const uint8_t *b = advance(a, stride);
     const uint32_t inner_bytes = 4 * Rule::inner_pixels_32(stride);
     for (uint32_t i = 0; i < 4; ++i) out[i] = vertical_mean(a, b, i);
     for (uint32_t i = 4; i < 4 + inner_bytes; ++i) out[i] = Rule::at(a, b, i, 4);
@@ -136,10 +140,13 @@ uintptr_t quad_line(const uint8_t *a, uint32_t stride, uint8_t *out) {
 // YUV 4:2:2 (Y0 U Y1 V): luma neighbours two bytes away, chroma four.
 // Bytes 0, 1 and 3 are means, byte 2 a neighbourhood value; then luma and
 // chroma alternate while a chroma byte has its right neighbour, and the
-// three bytes after the last luma byte are means.
+// three bytes after the last luma byte are means. An odd stride makes the
+// line one byte longer than the stride (read past the line below, written
+// over the next frame line's first byte, which the next copy overwrites);
+// the field and the frame still move on by the stride.
 template <class Rule>
 uintptr_t yuv_line(const uint8_t *a, uint32_t stride, uint8_t *out) {
-    const uint8_t *b = a + stride;
+    const uint8_t *b = advance(a, stride);
     out[0] = vertical_mean(a, b, 0);
     out[1] = vertical_mean(a, b, 1);
     out[2] = Rule::at(a, b, 2, 2);
