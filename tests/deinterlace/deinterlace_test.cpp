@@ -39,12 +39,13 @@ TEST(Median6, WorkedValues) {
 }
 
 TEST(Median6, MatchesASortOverEveryTiePatternAndRandomValues) {
-    // Every arrangement of six values drawn from four levels covers all
-    // tie patterns and pair orders.
-    const uint32_t levels[4] = {0, 1, 200, 255};
-    for (uint32_t code = 0; code < 4096; ++code) {
+    // Every assignment of six levels to the six arguments: every order and
+    // every tie pattern, from all equal to all distinct.
+    const uint32_t levels[6] = {0, 1, 2, 100, 254, 255};
+    for (uint32_t code = 0; code < 46656; ++code) {
         uint32_t x[6];
-        for (int i = 0; i < 6; ++i) x[i] = levels[(code >> (2 * i)) & 3];
+        for (uint32_t i = 0, rest = code; i < 6; ++i, rest /= 6)
+            x[i] = levels[rest % 6];
         ASSERT_EQ(ORV_median6(x[0], x[1], x[2], x[3], x[4], x[5]),
                   sorted_median6(x))
             << x[0] << " " << x[1] << " " << x[2] << " " << x[3] << " "
@@ -368,6 +369,20 @@ TEST(FieldToFrame, CapacityTestCountsPixelsAgainstBytes) {
     TestImage grey(ORV_FORMAT_Y8, 4, 3, 4);
     TestImage fits(ORV_FORMAT_Y8, 4, 6, 4);
     EXPECT_EQ(OVC_FieldToFrame_LineAve(grey.handle(), fits.handle(), 1), ORV_OK);
+}
+
+TEST(FieldToFrame, CapacityProductsWrapAt32Bits) {
+    // 2 x 2^31 x 1 wraps to 0 and fits any frame; a frame of 2^16 x 2^16
+    // wraps to 0 and holds nothing.
+    struct Case { uint32_t width, frame_height, frame_stride; ORV_STATUS status; };
+    const Case cases[] = {{0x80000000u, 2, 4, ORV_OK},
+                          {1, 0x10000u, 0x10000u, ORV_ERROR_BAD_PARAM}};
+    for (const Case &c : cases) {
+        TestImage field(ORV_FORMAT_Y8, c.width, 1, 4, 4, 0x11);
+        TestImage frame(ORV_FORMAT_Y8, c.width, c.frame_height, c.frame_stride, 8, 0x5A);
+        EXPECT_EQ(OVC_FieldToFrame_LineDup(field.handle(), frame.handle(), 0), c.status);
+        EXPECT_EQ(frame.bytes(), Bytes(8, c.status == ORV_OK ? 0x11 : 0x5A));
+    }
 }
 
 } // namespace
