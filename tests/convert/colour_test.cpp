@@ -131,16 +131,20 @@ struct Geometry {
     uint32_t width, height, src_pad, dst_pad; // pads: bytes beyond the row
 };
 
-// Converts a random image and compares every destination byte with the
-// formulas and the row walk (steps truncated to the walking unit).
-void expect_pair_matches(uint32_t src, uint32_t dst, const Geometry &g) {
+// Converts an image and compares every destination byte with the formulas
+// and the row walk (steps truncated to the walking unit). Pixels are random,
+// or each line starts with the pixels of `line` when it is given.
+void expect_pair_matches(uint32_t src, uint32_t dst, const Geometry &g,
+                         const Bytes &line = {}) {
     const size_t sb = source_bytes(src), db = destination_bytes(dst);
     const uint32_t src_stride = uint32_t(g.width * sb + g.src_pad);
     const uint32_t dst_stride = uint32_t(g.width * db + g.dst_pad);
     // Room for the pixel after the last line, which RGB30 into RGB48 reads.
     TestImage source(format(src), g.width, g.height, src_stride,
                      size_t(src_stride) * g.height + 4);
-    const Bytes pixels = orv_test::random_bytes(source.size(), src * 256 + dst);
+    Bytes pixels = orv_test::random_bytes(source.size(), src * 256 + dst);
+    for (uint32_t y = 0; y < g.height; ++y)
+        std::copy(line.begin(), line.end(), pixels.begin() + y * src_stride);
     std::copy(pixels.begin(), pixels.end(), source.data());
     TestImage target(format(dst), g.width, g.height, dst_stride);
     const Bytes before = orv_test::random_bytes(target.size(), dst);
@@ -172,6 +176,47 @@ TEST(ColourConversions, EveryPairFollowsItsFormulasAndRowSteps) {
         for (uint32_t dst : fourteen)
             for (const auto &g : geometries) expect_pair_matches(src, dst, g);
     for (const auto &g : geometries) expect_pair_matches(0x08, 0x11, g);
+}
+
+// Every combination of per-sample values that expose the formulas: zero
+// and non-zero for the flags, the bits just below and at each narrowing
+// shift, full scale, and bits above a 12-bit sample's depth. RGB30 words
+// take the values in their B, G and R fields and alternate bits 10-11.
+Bytes exposing_line(uint32_t src) {
+    std::vector<uint32_t> values;
+    switch (src) {
+    case 0x11: values = {0x00, 0x01, 0x07, 0x08, 0x80, 0xFF}; break;
+    case 0x09: values = {0x0000, 0x0001, 0x07FF, 0x0800, 0x8000, 0xFFFF}; break;
+    case 0x1C: values = {0x000, 0x001, 0x07F, 0x0FFF, 0x1000, 0xF00F}; break;
+    case 0x0F: values = {0x000, 0x001, 0x01F, 0x020, 0x200, 0x3FF}; break;
+    }
+    Bytes line;
+    uint8_t d[6];
+    for (uint32_t b : values)
+        for (uint32_t g : values)
+            for (uint32_t r : values) {
+                if (src == 0x11) {
+                    line.insert(line.end(), {uint8_t(b), uint8_t(g), uint8_t(r)});
+                    continue;
+                }
+                if (src == 0x0F) {
+                    put32(d, b | g << 12 | r << 22 | (line.size() & 4 ? 0xC00 : 0));
+                    line.insert(line.end(), d, d + 4);
+                    continue;
+                }
+                put16(d, b), put16(d + 2, g), put16(d + 4, r);
+                line.insert(line.end(), d, d + 6);
+            }
+    return line;
+}
+
+TEST(ColourConversions, ExposingSamplesFollowTheFormulas) {
+    for (uint32_t src : {0x11u, 0x09u, 0x1Cu, 0x0Fu}) {
+        const Bytes line = exposing_line(src);
+        const uint32_t width = uint32_t(line.size() / source_bytes(src));
+        for (uint32_t dst : fourteen)
+            expect_pair_matches(src, dst, {width, 2, 3, 1}, line);
+    }
 }
 
 struct Worked {
