@@ -39,7 +39,8 @@ ORV_API ORV_STATUS OVC_FileWrite(OFS_HANDLE buffer, const char *path,
                                  uint32_t file_type);
 
 /* Saves `buffer` at `path` as an uncompressed, single-strip, big-endian
- * TIFF file. Only ORV_FORMAT_Y8 and ORV_FORMAT_BGR24 give finished files:
+ * TIFF file. Formats are matched by their full 32-bit code (not only the
+ * low byte). Only ORV_FORMAT_Y8 and ORV_FORMAT_BGR24 give finished files:
  *  - ImageWidth and ImageLength hold the low 16 bits of the geometry.
  *  - Each line contributes `width` bytes in memory order. A BGR24 file thus
  *    holds the first third of each line's pixel bytes, in B, G, R order,
@@ -51,10 +52,13 @@ ORV_API ORV_STATUS OVC_FileWrite(OFS_HANDLE buffer, const char *path,
  *  - A stream that cannot tell its position (a pipe) returns
  *    ORV_ERROR_BAD_PARAM at the first offset it needs.
  * On these failures the stream is NOT closed: the partial file stays open,
- * its buffered bytes unflushed, until the process exits (normal exit
- * flushes it). Only the success path closes the file; a failing close
- * returns ORV_ERROR_CLOSE_FAILED. Also ORV_ERROR_BAD_PARAM for an invalid
- * buffer or a zero format (no file touched) and ORV_ERROR_OPEN_FAILED. */
+ * its buffered bytes unflushed, until the process exits (a normal exit
+ * flushes them; _exit or a crash loses them). Each such call keeps one
+ * stream and its descriptor for the life of the process. Only the success
+ * path closes the file; a failing close returns ORV_ERROR_CLOSE_FAILED.
+ * Also ORV_ERROR_BAD_PARAM for an invalid buffer or a zero format (no file
+ * touched) and ORV_ERROR_OPEN_FAILED. The first-pixel address is not
+ * checked: it must be readable whenever width and height are non-zero. */
 ORV_API ORV_STATUS OVC_FileWriteTiff(OFS_HANDLE buffer, const char *path);
 
 ORV_EXTERN_C_END

@@ -5,7 +5,7 @@
 // with zero placeholders for the offsets not known yet (the BitsPerSample
 // array, both resolutions, the strip), patched afterwards by ftell/fseek.
 // 8-bit grey and BGR24 make finished files; 16-bit grey and RGB24 stop
-// part-way into the directory, as the format has always behaved.
+// part-way into the directory and return with the stream still open.
 #include <orvane/fileio.h>
 
 #include "../common/query.h"
@@ -50,8 +50,7 @@ void put_long_entry(FILE *f, uint32_t tag, uint32_t value) {
     OVC_fput_ui32m(f, value);
 }
 
-// Every failure after the open returns through here: the stream is left
-// open, its buffered bytes unflushed, until the process ends.
+// Failures after the open leave the stream open and unflushed until exit.
 ORV_STATUS fail_leaving_stream_open(FILE *, ORV_STATUS status) {
     return status;
 }
@@ -75,15 +74,16 @@ bool put_resolution(FILE *f, long slot) {
     return true;
 }
 
-// Each line gives exactly `width` bytes in memory order, then the line
-// start moves on by the stride. A BGR24 line thus gives the first third of
-// its pixel bytes, in B, G, R order.
+// Each line gives exactly `width` bytes in memory order, one putc each,
+// then the line start moves on by stride - width (a 32-bit difference)
+// beyond them. A BGR24 line thus gives the first third of its pixel bytes,
+// in B, G, R order.
 void put_pixels(FILE *f, const uint8_t *line, uint32_t width, uint32_t height,
                 uint32_t stride) {
+    const uint32_t line_gap = stride - width;
     for (uint32_t y = 0; y < height; ++y) {
-        std::fwrite(line, 1, width, f);
-        line = advance(line, static_cast<uintptr_t>(width) +
-                                 static_cast<uint32_t>(stride - width));
+        for (uint32_t x = 0; x < width; ++x) putc(line[x], f);
+        line = advance(line, static_cast<uintptr_t>(width) + line_gap);
     }
 }
 
