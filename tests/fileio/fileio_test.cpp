@@ -96,6 +96,11 @@ TEST(RawFile, ByteCountIsAWrapping32BitProduct) {
     EXPECT_EQ(read_file(path), pixels);
 }
 
+// The open-failure message quotes the path; one far longer than the
+// message buffer must be cut short, not overrun it.
+const std::string kLongMissingPath =
+    "/nonexistent-orvane-dir/" + std::string(600, 'p') + ".out";
+
 struct RawFault {
     const char *what;
     uint32_t file_type;
@@ -120,6 +125,8 @@ TEST(RawFile, FaultsGiveTheirStatuses) {
          ORV_ERROR_BAD_PARAM, false},
         {"missing directory", OVC_FILE_RAW, "/nonexistent-orvane-dir/x.raw", 2,
          8, keep, ORV_ERROR_OPEN_FAILED, false},
+        {"path longer than the message", OVC_FILE_RAW, kLongMissingPath.c_str(),
+         2, 8, keep, ORV_ERROR_OPEN_FAILED, false},
         {"large write to a full device", OVC_FILE_RAW, "/dev/full", 256, 4096,
          keep, ORV_ERROR_WRITE_FAILED, true},
         {"buffered write failing at close", OVC_FILE_RAW, "/dev/full", 2, 8,
@@ -292,15 +299,16 @@ int status_after_exit(const std::string &path,
 struct Fragment {
     uint32_t format;
     ORV_STATUS status;
-    size_t size; // the file ends here
+    bool colour_layout; // which finished file the fragment begins like
+    size_t size;        // the file ends here
 };
 
 TEST(TiffFile, UnfinishedFormatsLeaveTheirFragmentInAnOpenStream) {
     const Fragment fragments[] = {
-        {ORV_FORMAT_RGB24, ORV_ERROR_BAD_PARAM, 50},
-        {ORV_FORMAT_Y16, ORV_ERROR_BAD_PARAM, 130},
-        {ORV_FORMAT_BGRX32, ORV_ERROR_BAD_FORMAT, 8},
-        {0x00022601u, ORV_ERROR_BAD_FORMAT, 8}, // Y8's low byte, other upper bits
+        {ORV_FORMAT_RGB24, ORV_ERROR_BAD_PARAM, true, 50},
+        {ORV_FORMAT_Y16, ORV_ERROR_BAD_PARAM, false, 130},
+        {ORV_FORMAT_BGRX32, ORV_ERROR_BAD_FORMAT, false, 8},
+        {0x00022601u, ORV_ERROR_BAD_FORMAT, false, 8}, // Y8's low byte only
     };
     for (const auto &f : fragments) {
         TestImage image(f.format, 5, 3, 10);
@@ -312,49 +320,55 @@ TEST(TiffFile, UnfinishedFormatsLeaveTheirFragmentInAnOpenStream) {
                                     }),
                   int(f.status))
             << std::hex << f.format;
-        const Bytes file = read_file(path);
-        ASSERT_EQ(file.size(), f.size) << std::hex << f.format;
-        // The header and the declared entry count are always there.
-        const Bytes header = {0x4D, 0x4D, 0, 42, 0, 0, 0, 8};
-        EXPECT_TRUE(std::equal(header.begin(), header.end(), file.begin()));
+        // RGB24 ends after BitsPerSample's tag and type, with 14 entries
+        // declared; Y16 after its StripByteCounts value (5 x 3), with 13
+        // declared, BitsPerSample 16 and StripOffsets never patched.
+        Bytes expected = expected_tiff(f.colour_layout, 5, 3, 10, image.data());
+        expected.resize(f.size);
         if (f.format == ORV_FORMAT_Y16) {
-            // Ten entries: the last one is StripByteCounts = 5 x 3.
-            EXPECT_EQ(file[9], 13);
-            const Bytes last = {0x01, 0x17, 0, 4, 0, 0, 0, 1, 0, 0, 0, 15};
-            EXPECT_TRUE(std::equal(last.begin(), last.end(), file.end() - 12));
+            expected[55] = 16;
+            std::fill(expected.begin() + 90, expected.begin() + 94, 0);
         }
-        if (f.format == ORV_FORMAT_RGB24) {
-            EXPECT_EQ(file[9], 14);
-            const Bytes last = {0x01, 0x02, 0, 3}; // BitsPerSample's tag, type
-            EXPECT_TRUE(std::equal(last.begin(), last.end(), file.end() - 4));
-        }
+        EXPECT_EQ(read_file(path), expected) << std::hex << f.format;
     }
 }
 
+struct UnseekableCase {
+    uint32_t format;
+    size_t bytes_before_first_offset;
+};
+
 TEST(TiffFile, AnUnseekableStreamStopsAtTheFirstOffsetItNeeds) {
-    // A pipe cannot tell its position: the first ftell, at the StripOffsets
-    // value of a grey file, fails after 90 bytes.
-    int fds[2];
-    ASSERT_EQ(pipe(fds), 0);
-    const std::string path = "/proc/self/fd/" + std::to_string(fds[1]);
-    TestImage image(ORV_FORMAT_Y8, 4, 2, 4);
-    const pid_t child = fork();
-    if (child == 0) {
+    // A pipe cannot tell its position: the first ftell fails at the
+    // BitsPerSample array's slot of a BGR24 file and at the StripOffsets
+    // slot of a grey one.
+    const UnseekableCase cases[] = {{ORV_FORMAT_Y8, 90}, {ORV_FORMAT_BGR24, 54}};
+    for (const auto &c : cases) {
+        int fds[2];
+        ASSERT_EQ(pipe(fds), 0);
+        const std::string path = "/proc/self/fd/" + std::to_string(fds[1]);
+        TestImage image(c.format, 4, 2, 12);
+        const pid_t child = fork();
+        if (child == 0) {
+            close(fds[0]);
+            std::exit(int(OVC_FileWriteTiff(image.handle(), path.c_str())));
+        }
+        close(fds[1]);
+        Bytes received;
+        uint8_t chunk[256];
+        ssize_t n;
+        while ((n = read(fds[0], chunk, sizeof chunk)) > 0)
+            received.insert(received.end(), chunk, chunk + n);
         close(fds[0]);
-        std::exit(int(OVC_FileWriteTiff(image.handle(), path.c_str())));
+        int wait_status = 0;
+        waitpid(child, &wait_status, 0);
+        ASSERT_TRUE(WIFEXITED(wait_status));
+        EXPECT_EQ(WEXITSTATUS(wait_status), int(ORV_ERROR_BAD_PARAM));
+        Bytes expected = expected_tiff(c.format == ORV_FORMAT_BGR24, 4, 2, 12,
+                                       image.data());
+        expected.resize(c.bytes_before_first_offset);
+        EXPECT_EQ(received, expected) << std::hex << c.format;
     }
-    close(fds[1]);
-    Bytes received;
-    uint8_t chunk[256];
-    ssize_t n;
-    while ((n = read(fds[0], chunk, sizeof chunk)) > 0)
-        received.insert(received.end(), chunk, chunk + n);
-    close(fds[0]);
-    int wait_status = 0;
-    waitpid(child, &wait_status, 0);
-    ASSERT_TRUE(WIFEXITED(wait_status));
-    EXPECT_EQ(WEXITSTATUS(wait_status), int(ORV_ERROR_BAD_PARAM));
-    EXPECT_EQ(received.size(), 90u);
 }
 
 struct TiffFault {
@@ -373,6 +387,8 @@ TEST(TiffFile, RefusalsAndDeviceFaults) {
         {"format zero", nullptr, [](TestImage &i) { i.set(OFS_FORMAT, 0); },
          ORV_ERROR_BAD_PARAM},
         {"missing directory", "/nonexistent-orvane-dir/x.tif", keep,
+         ORV_ERROR_OPEN_FAILED},
+        {"path longer than the message", kLongMissingPath.c_str(), keep,
          ORV_ERROR_OPEN_FAILED},
         {"full device", "/dev/full", keep, ORV_ERROR_CLOSE_FAILED},
     };
