@@ -22,6 +22,12 @@
  * (and, for ave and med, a height of at least 2, or room for a second
  * line). The fourth byte of every BGRX32 and RGBX32 pixel is never written.
  *
+ * Reads beyond the image, which the source buffer must allow: line 0 always
+ * takes colours from line 1, so a one-line image reads one source stride
+ * further; with an odd width, ave and med read the sample that follows
+ * each line, and the RGB16 med_C routines read up to two samples past the
+ * line below.
+ *
  * The list of routines is orvane/bayer_members.h.
  */
 #ifndef ORVANE_BAYER_H

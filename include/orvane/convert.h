@@ -22,6 +22,18 @@ ORV_EXTERN_C_BEGIN
  * ORV_ERROR_NOT_SUPPORTED for a format pair that is not converted;
  * ORV_ERROR_NOT_IMPLEMENTED for a Bayer method or phase that the requested
  * output does not offer. Nothing is written on failure.
+ *
+ * Conversions that reach past the image, which buffers must allow for:
+ *  - Y12P and YUV 4:2:2 sources go by pairs of pixels: an odd width
+ *    converts one pixel more per line, reading and writing past the width,
+ *    and (YUV) starts the next destination line one pixel further on.
+ *  - YUV 4:2:2 sources are read as one packed run: the source stride is
+ *    not used.
+ *  - RGB30 into RGB48 takes green and blue from the next source pixel, so
+ *    each line reads one pixel past its end.
+ *  - Row steps are 32-bit differences of stride and row length, counted in
+ *    the row's word size: give 16- and 32-bit formats strides that are
+ *    multiples of their word size.
  */
 ORV_API ORV_STATUS OVC_Convert(OFS_HANDLE source, OFS_HANDLE destination);
 
