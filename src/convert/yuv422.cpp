@@ -19,7 +19,7 @@ ORV_STATUS yuv422_pair(const ConversionJob &job, Capacity cap) {
     const RowWalk walk{pairs * 4,
                        pairs * 2 * Layout::bytes +
                            row_step(job.dst_stride, w * Layout::bytes, 0)};
-    return run_rows<yuv422::yuv422_row<Layout>>(job, cap, walk);
+    return run_rows<yuv422::fastest_row<Layout>>(job, cap, walk);
 }
 
 } // namespace

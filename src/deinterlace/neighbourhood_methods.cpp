@@ -5,7 +5,10 @@
 // Both methods share the line shapes; they differ in the value of a
 // neighbourhood (the weighted kernel or the median of six) and in how many
 // 32-bit pixels they reach. The first and last pixels of a line, where a
-// side neighbour is missing, are plain vertical means.
+// side neighbour is missing, are plain vertical means. The weighted
+// kernel and the Y8 line shape live in byte_lines.h beside the Y8 line's
+// vector twin.
+#include "byte_lines.h"
 #include "frame.h"
 
 namespace orv {
@@ -13,10 +16,6 @@ namespace deinterlace {
 namespace {
 
 // ---- Values of a neighbourhood --------------------------------------------
-
-uint8_t vertical_mean(const uint8_t *a, const uint8_t *b, uint32_t i) {
-    return static_cast<uint8_t>((a[i] + b[i]) >> 1);
-}
 
 uint32_t lesser(uint32_t a, uint32_t b) { return a < b ? a : b; }
 uint32_t greater(uint32_t a, uint32_t b) { return a < b ? b : a; }
@@ -50,24 +49,6 @@ uint32_t median_of_six(uint32_t x0, uint32_t x1, uint32_t x2, uint32_t x3,
     return (greater(b, r_lo) + lesser(c, r_hi)) >> 1;
 }
 
-// The weighted 3 x 2 kernel: 105 for the two vertical neighbours, 75 for
-// the four side ones. The weights sum to 510, not 512, so a flat area
-// comes out one level darker (200 gives 199); that is the method's result.
-struct WeightedKernel {
-    static uint8_t at(const uint8_t *a, const uint8_t *b, uint32_t i,
-                      uint32_t d) {
-        const uint32_t centre = a[i] + b[i];
-        const uint32_t sides = a[i - d] + b[i - d] + a[i + d] + b[i + d];
-        return static_cast<uint8_t>((105u * centre + 75u * sides) >> 9);
-    }
-    // 32-bit lines: every pixel between the first and the last.
-    static uint32_t inner_pixels_32(uint32_t stride) {
-        const uint32_t rest = stride - 8;
-        return rest >= 4 ? rest / 4 : 0;
-    }
-    static constexpr uint32_t least_grey_stride = 2;
-};
-
 struct MedianOfSix {
     static uint8_t at(const uint8_t *a, const uint8_t *b, uint32_t i,
                       uint32_t d) {
@@ -86,23 +67,6 @@ struct MedianOfSix {
 };
 
 // ---- Line shapes ------------------------------------------------------------
-
-// Y8: a mean, the neighbourhood values, a mean. Strides of 1 and 2 give
-// two means; with a stride of 1 the second is read from one byte past the
-// line below and written over the first byte of the next frame line, which
-// the copy that follows overwrites.
-template <class Rule>
-uintptr_t grey_line(const uint8_t *a, uint32_t stride, uint8_t *out) {
-    const uint8_t *b = advance(a, stride);
-    out[0] = vertical_mean(a, b, 0);
-    if (stride <= 2) {
-        out[1] = vertical_mean(a, b, 1);
-        return stride;
-    }
-    for (uint32_t i = 1; i < stride - 1; ++i) out[i] = Rule::at(a, b, i, 1);
-    out[stride - 1] = vertical_mean(a, b, stride - 1);
-    return stride;
-}
 
 // 24-bit: a pixel of means, the neighbourhood values, a pixel of means.
 // Strides of 3 to 6 give two pixels of means: six bytes even when the
@@ -166,7 +130,7 @@ uintptr_t yuv_line(const uint8_t *a, uint32_t stride, uint8_t *out) {
 template <class Rule> ShapeChoice shape_for(uint32_t format) {
     switch (format) {
     case ORV_FORMAT_Y8:
-        return {true, {grey_line<Rule>, Rule::least_grey_stride}};
+        return {true, {fastest_grey_line<Rule>, Rule::least_grey_stride}};
     case ORV_FORMAT_XBGR32: case ORV_FORMAT_BGRX32:
     case ORV_FORMAT_XRGB32: case ORV_FORMAT_RGBX32:
         return {true, {quad_line<Rule>, 8}};
