@@ -6,8 +6,8 @@
 // neighbourhood (the weighted kernel or the median of six) and in how many
 // 32-bit pixels they reach. The first and last pixels of a line, where a
 // side neighbour is missing, are plain vertical means. The weighted
-// kernel and the Y8 line shape live in byte_lines.h beside the Y8 line's
-// vector twin.
+// kernel and the Y8, 24-bit and 32-bit line shapes live in byte_lines.h
+// beside the kernel's vector twin.
 #include "byte_lines.h"
 #include "frame.h"
 
@@ -68,39 +68,6 @@ struct MedianOfSix {
 
 // ---- Line shapes ------------------------------------------------------------
 
-// 24-bit: a pixel of means, the neighbourhood values, a pixel of means.
-// Strides of 3 to 6 give two pixels of means: six bytes even when the
-// stride is shorter, read partly past the line below and written partly
-// over the next frame line, which the copy that follows overwrites.
-template <class Rule>
-uintptr_t triple_line(const uint8_t *a, uint32_t stride, uint8_t *out) {
-    const uint8_t *b = advance(a, stride);
-    for (uint32_t i = 0; i < 3; ++i) out[i] = vertical_mean(a, b, i);
-    if (stride <= 6) {
-        for (uint32_t i = 3; i < 6; ++i) out[i] = vertical_mean(a, b, i);
-        return stride;
-    }
-    for (uint32_t i = 3; i < stride - 3; ++i) out[i] = Rule::at(a, b, i, 3);
-    for (uint32_t i = stride - 3; i < stride; ++i)
-        out[i] = vertical_mean(a, b, i);
-    return stride;
-}
-
-// 32-bit: a pixel of means, the rule's inner pixels (the X byte computed
-// like the others), a pixel of means. The field and the frame move on by
-// the line written, which is shorter than the stride when the stride is
-// not a multiple of 4 or for the median's bound.
-template <class Rule>
-uintptr_t quad_line(const uint8_t *a, uint32_t stride, uint8_t *out) {
-    const uint8_t *b = advance(a, stride);
-    const uint32_t inner_bytes = 4 * Rule::inner_pixels_32(stride);
-    for (uint32_t i = 0; i < 4; ++i) out[i] = vertical_mean(a, b, i);
-    for (uint32_t i = 4; i < 4 + inner_bytes; ++i) out[i] = Rule::at(a, b, i, 4);
-    for (uint32_t i = 4 + inner_bytes; i < 8 + inner_bytes; ++i)
-        out[i] = vertical_mean(a, b, i);
-    return 8 + inner_bytes;
-}
-
 // YUV 4:2:2 (Y0 U Y1 V): luma neighbours two bytes away, chroma four.
 // Bytes 0, 1 and 3 are means, byte 2 a neighbourhood value; then luma and
 // chroma alternate while a chroma byte has its right neighbour, and the
@@ -128,14 +95,15 @@ uintptr_t yuv_line(const uint8_t *a, uint32_t stride, uint8_t *out) {
 // The layout is told by the whole format code. Strides below the smallest
 // line of a layout are refused by the frame.
 template <class Rule> ShapeChoice shape_for(uint32_t format) {
+    using Runs = typename Fastest<Rule>::Runs;
     switch (format) {
     case ORV_FORMAT_Y8:
-        return {true, {fastest_grey_line<Rule>, Rule::least_grey_stride}};
+        return {true, {grey_line<Rule, Runs>, Rule::least_grey_stride}};
     case ORV_FORMAT_XBGR32: case ORV_FORMAT_BGRX32:
     case ORV_FORMAT_XRGB32: case ORV_FORMAT_RGBX32:
-        return {true, {quad_line<Rule>, 8}};
+        return {true, {quad_line<Rule, Runs>, 8}};
     case ORV_FORMAT_BGR24: case ORV_FORMAT_RGB24:
-        return {true, {triple_line<Rule>, 3}};
+        return {true, {triple_line<Rule, Runs>, 3}};
     case ORV_FORMAT_YUV422:
         return {true, {yuv_line<Rule>, 8}};
     default:

@@ -1,7 +1,9 @@
-// The SSE2 twins of LineAve's mean line and Bilinear's Y8 line against
-// the plain byte loops, byte for byte: strides up to 70 and a few long odd
-// ones, lines at odd addresses, field lines sized to exactly the bytes the
-// plain loop reads and a preset output with a guard byte after the line.
+// The SSE2 twins of LineAve's mean line and Bilinear's Y8, 24-bit and
+// 32-bit lines against the plain byte loops, byte for byte: strides up to
+// 70 and a few long odd ones (every short shape, and strides that are not
+// a multiple of the pixel), lines at odd addresses, field lines sized to
+// exactly the bytes the plain loop reads and a preset output with a guard
+// byte after the line.
 #include "deinterlace/byte_lines.h"
 #include "support/test_image.h"
 
@@ -14,19 +16,26 @@ namespace {
 using Bytes = std::vector<uint8_t>;
 using orv::deinterlace::FillLine;
 using orv::deinterlace::WeightedKernel;
+using orv::deinterlace::WeightedRunsSse2;
 
+// `shortest_line`: the bytes a line reads from each field line and writes
+// even when the stride is shorter (the 24-bit line's two pixels of means).
 struct LineTwins {
     const char *name;
     FillLine plain, twin;
-    uint32_t least_stride;
+    uint32_t least_stride, shortest_line;
 };
 
 const LineTwins twins[] = {
     {"LineAve", orv::deinterlace::average_lines,
-     orv::deinterlace::average_lines_sse2, 0},
+     orv::deinterlace::average_lines_sse2, 0, 0},
     {"Bilinear Y8", orv::deinterlace::grey_line<WeightedKernel>,
-     orv::deinterlace::weighted_grey_line_sse2,
-     WeightedKernel::least_grey_stride},
+     orv::deinterlace::grey_line<WeightedKernel, WeightedRunsSse2>,
+     WeightedKernel::least_grey_stride, 0},
+    {"Bilinear 24-bit", orv::deinterlace::triple_line<WeightedKernel>,
+     orv::deinterlace::triple_line<WeightedKernel, WeightedRunsSse2>, 3, 6},
+    {"Bilinear 32-bit", orv::deinterlace::quad_line<WeightedKernel>,
+     orv::deinterlace::quad_line<WeightedKernel, WeightedRunsSse2>, 8, 0},
 };
 
 std::vector<uint32_t> strides() {
@@ -57,8 +66,8 @@ struct Result {
 // The two field lines start `offset` bytes into an exactly sized buffer;
 // the output line starts `offset` bytes in and has one guard byte after it.
 Result fill(FillLine line, const Bytes &field, uint32_t offset,
-            uint32_t stride) {
-    Result r{Bytes(offset + size_t(stride) + 1, 0x5A), 0};
+            uint32_t stride, size_t extent) {
+    Result r{Bytes(offset + extent + 1, 0x5A), 0};
     r.moved = line(field.data() + offset, stride, r.out.data() + offset);
     return r;
 }
@@ -67,6 +76,10 @@ struct Case {
     const LineTwins *line;
     uint32_t stride, offset;
     Content content;
+
+    size_t extent() const {
+        return stride > line->shortest_line ? stride : line->shortest_line;
+    }
 };
 
 std::vector<Case> cases() {
@@ -84,10 +97,12 @@ std::vector<Case> cases() {
 TEST(FilledLineTwins, WriteTheSameBytesAsThePlainLoops) {
     uint32_t seed = 7;
     for (const Case &c : cases()) {
-        const Bytes field =
-            field_bytes(c.offset + 2 * size_t(c.stride), c.content, ++seed);
-        const Result expected = fill(c.line->plain, field, c.offset, c.stride);
-        const Result actual = fill(c.line->twin, field, c.offset, c.stride);
+        const Bytes field = field_bytes(c.offset + c.stride + c.extent(),
+                                        c.content, ++seed);
+        const Result expected =
+            fill(c.line->plain, field, c.offset, c.stride, c.extent());
+        const Result actual =
+            fill(c.line->twin, field, c.offset, c.stride, c.extent());
         ASSERT_EQ(actual.moved, expected.moved);
         ASSERT_EQ(actual.out, expected.out)
             << c.line->name << " stride " << c.stride << " offset "
