@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <set>
 
 namespace {
@@ -115,6 +116,7 @@ const Fit fits[] = {
     {ORV_FORMAT_Y16, ORV_FORMAT_RGB48, 6},   {ORV_FORMAT_Y12, ORV_FORMAT_RGB30, 4},
     {ORV_FORMAT_Y10, ORV_FORMAT_BGR24, 3},   {ORV_FORMAT_Y12P, ORV_FORMAT_RGB16, 2},
     {ORV_FORMAT_Y12P, ORV_FORMAT_BGRX32, 4}, {ORV_FORMAT_Y12P, ORV_FORMAT_BGR24, 3},
+    {ORV_FORMAT_Y16, ORV_FORMAT_Y16, 2}, // strides differ: rows, not the copy
 };
 
 TEST(ConvertCapacity, ExactFitPassesAndOneByteShortFails) {
@@ -185,6 +187,50 @@ TEST(ConvertIdenticalFormat, EqualLayoutsCopyTheWholeBlock) {
         TestImage dst(fmt, 1, 3, 8, 24, 0xEE); // narrower destination
         ASSERT_EQ(OVC_Convert(src.handle(), dst.handle()), ORV_OK);
         EXPECT_EQ(dst.bytes(), pattern);
+    }
+}
+
+// When the copy is taken and when the rows run instead. The copy needs
+// equal strides and equal heights, skips the capacity test (a source wider
+// than its stride still copies) and copies height x stride bytes formed in
+// 32 bits, so 2 x 0x80000001 copies two bytes. Otherwise each of the
+// source's rows moves its own pixels and the padding stays untouched.
+struct Geometry {
+    uint32_t width, height, stride, bytes;
+};
+
+struct CopyCase {
+    const char *what;
+    uint32_t format;
+    Geometry src, dst;
+    ORV_STATUS status;
+    uint32_t rows, run, src_pitch, dst_pitch; // bytes expected to move
+};
+
+const CopyCase copy_cases[] = {
+    {"Y8 copy without capacity test", ORV_FORMAT_Y8, {10, 3, 8, 24}, {1, 3, 8, 24}, ORV_OK, 1, 24, 0, 0},
+    {"Y16 copy without capacity test", ORV_FORMAT_Y16, {10, 3, 8, 24}, {1, 3, 8, 24}, ORV_OK, 1, 24, 0, 0},
+    {"Y8 copy of a wrapped size", ORV_FORMAT_Y8, {1, 2, 0x80000001u, 2}, {1, 2, 0x80000001u, 4}, ORV_OK, 1, 2, 0, 0},
+    {"Y16 copy of a wrapped size", ORV_FORMAT_Y16, {1, 2, 0x80000001u, 2}, {1, 2, 0x80000001u, 4}, ORV_OK, 1, 2, 0, 0},
+    {"Y8 heights differ", ORV_FORMAT_Y8, {3, 2, 4, 8}, {3, 3, 4, 12}, ORV_OK, 2, 3, 4, 4},
+    {"Y16 heights differ", ORV_FORMAT_Y16, {2, 2, 6, 12}, {2, 3, 6, 18}, ORV_OK, 2, 4, 6, 6},
+    {"Y8 rows one byte short", ORV_FORMAT_Y8, {3, 2, 4, 8}, {3, 1, 5, 8}, ORV_ERROR_BAD_PARAM, 0, 0, 0, 0},
+};
+
+TEST(ConvertIdenticalFormat, CopyOnlyForEqualStridesAndHeights) {
+    for (const CopyCase &c : copy_cases) {
+        TestImage src(c.format, c.src.width, c.src.height, c.src.stride,
+                      c.src.bytes);
+        const auto pattern = orv_test::random_bytes(c.src.bytes, 3);
+        std::copy(pattern.begin(), pattern.end(), src.data());
+        TestImage dst(c.format, c.dst.width, c.dst.height, c.dst.stride,
+                      c.dst.bytes, 0xEE);
+        EXPECT_EQ(OVC_Convert(src.handle(), dst.handle()), c.status) << c.what;
+        std::vector<uint8_t> expected(c.dst.bytes, 0xEE);
+        for (uint32_t y = 0; y < c.rows; ++y)
+            std::copy_n(pattern.begin() + y * c.src_pitch, c.run,
+                        expected.begin() + y * c.dst_pitch);
+        EXPECT_EQ(dst.bytes(), expected) << c.what;
     }
 }
 

@@ -31,6 +31,7 @@ const Case cases[] = {
     {"success", [](FakeBuffer &, FakeBuffer &) {}, ORV_OK, 14},
     {"source validity silent", [](FakeBuffer &s, FakeBuffer &) { s.values.erase(OFS_BUFFER_VALID); }, ORV_ERROR_BAD_PARAM, 1},
     {"source invalid", [](FakeBuffer &s, FakeBuffer &) { s.values[OFS_BUFFER_VALID] = 0; }, ORV_ERROR_BAD_PARAM, 1},
+    {"destination validity silent", [](FakeBuffer &, FakeBuffer &d) { d.values.erase(OFS_BUFFER_VALID); }, ORV_ERROR_BAD_PARAM, 2},
     {"destination invalid", [](FakeBuffer &, FakeBuffer &d) { d.values[OFS_BUFFER_VALID] = 0; }, ORV_ERROR_BAD_PARAM, 2},
     {"destination format zero", [](FakeBuffer &, FakeBuffer &d) { d.values[OFS_FORMAT] = 0; }, ORV_ERROR_BAD_PARAM, 3},
     {"source format zero", [](FakeBuffer &s, FakeBuffer &) { s.values[OFS_FORMAT] = 0; }, ORV_ERROR_BAD_PARAM, 4},
@@ -38,6 +39,10 @@ const Case cases[] = {
     {"destination address null", [](FakeBuffer &, FakeBuffer &d) { d.values[OFS_START_ADDR] = 0; }, ORV_ERROR_BAD_PARAM, 6},
     {"unsupported pair", [](FakeBuffer &, FakeBuffer &d) { d.values[OFS_FORMAT] = ORV_FORMAT_Y12P; }, ORV_ERROR_NOT_SUPPORTED, 14},
     {"too small", [](FakeBuffer &, FakeBuffer &d) { d.values[OFS_STRIDE] = 5; }, ORV_ERROR_BAD_PARAM, 14},
+    // A Bayer source is queried no further by the routing itself: a refused
+    // method, or a destination too small, ends the call after the same 14.
+    {"Bayer method refused", [](FakeBuffer &s, FakeBuffer &) { s.values[OFS_FORMAT] = ORV_FORMAT_BAY8; }, ORV_ERROR_NOT_IMPLEMENTED, 14},
+    {"Bayer too small", [](FakeBuffer &s, FakeBuffer &d) { s.values[OFS_FORMAT] = ORV_FORMAT_BAY8; s.values[OFS_BAYER_METHOD] = ORV_BAYER_METHOD_DUP; s.values[OFS_BAYER_PHASE] = ORV_BAYER_PHASE_A; d.values[OFS_STRIDE] = 11; }, ORV_ERROR_BAD_PARAM, 14},
     // Query statuses are never looked at: a library that reports failure
     // but writes its values still gets a conversion.
     {"queries report failure", [](FakeBuffer &s, FakeBuffer &d) { s.status = d.status = 99; }, ORV_OK, 14},
