@@ -15,5 +15,6 @@
 #include <orvane/bayer.h>
 #include <orvane/deinterlace.h>
 #include <orvane/fileio.h>
+#include <orvane/version.h>
 
 #endif /* ORVANEIMAGE_H */

@@ -9,10 +9,13 @@
 
 #include <orvane/buffer.h>
 
+#include "isa.h"
+
 #include <cstdint>
 #include <cstring>
 
 namespace orv {
+inline namespace ORV_ISA {
 
 // OFS_BUFFER_VALID read into a slot zeroed first, so a buffer library that
 // writes nothing marks the handle as unusable.
@@ -63,6 +66,7 @@ inline void store_u16(uint8_t *p, uint32_t v) {
 }
 inline void store_u32(uint8_t *p, uint32_t v) { std::memcpy(p, &v, sizeof v); }
 
+} // namespace ORV_ISA
 } // namespace orv
 
 #endif // ORVANE_COMMON_QUERY_H

@@ -4,9 +4,12 @@
 #ifndef ORVANE_CONVERT_BYTE_LAYOUTS_H
 #define ORVANE_CONVERT_BYTE_LAYOUTS_H
 
+#include "../common/isa.h"
+
 #include <cstdint>
 
 namespace orv {
+inline namespace ORV_ISA {
 
 template <unsigned R, unsigned G, unsigned B, uint32_t Bytes>
 struct ByteLayout {
@@ -25,6 +28,7 @@ using LayoutRgbx32 = ByteLayout<0, 1, 2, 4>; // R, G, B, X
 using LayoutBgr24 = ByteLayout<2, 1, 0, 3>;
 using LayoutRgb24 = ByteLayout<0, 1, 2, 3>;
 
+} // namespace ORV_ISA
 } // namespace orv
 
 #endif // ORVANE_CONVERT_BYTE_LAYOUTS_H

@@ -1,7 +1,9 @@
 // Conversions from the colour sources BGR24, BGR48, BGR36 and RGB30 into
 // the fourteen colour destinations, and from BGRX32 into BGR24: each pair's
-// capacity factors and row walk around the rows of colour_rows.h.
+// capacity factors and row walk around the rows of colour_rows.h, taken
+// from the kernel table.
 #include "colour_rows.h"
+#include "frame.h"
 
 namespace orv {
 namespace {
@@ -12,11 +14,12 @@ using namespace colour;
 // and destinations drop an odd byte from their row steps, the u32 source
 // and the 30-bit destinations anything short of four.
 template <class Src, class Dst>
-ORV_STATUS colour_pair(const ConversionJob &job, Capacity cap) {
-    return run_rows<pair_row<Src, Dst>>(
-        job, cap,
-        plain_walk(job, Src::bytes, Src::unit_shift, Dst::bytes,
-                   Dst::unit_shift));
+ORV_STATUS colour_pair(const ConversionJob &job, Capacity cap, uint32_t dst) {
+    return run_rows(job, cap,
+                    plain_walk(job, Src::bytes, Src::unit_shift, Dst::bytes,
+                               Dst::unit_shift),
+                    convert_kernels_in_use()
+                        .colour[Src::index][dst - kFirstColourDestination]);
 }
 
 // Capacity factors (k, m) of a source, by destination class. Each ratio is
@@ -37,20 +40,20 @@ template <class Src>
 ORV_STATUS to_fourteen(const ConversionJob &job, uint32_t dst,
                        const CapacityTable &cap) {
     switch (dst) {
-    case 0x05: return colour_pair<Src, ToRgb15>(job, cap.packed16);
-    case 0x06: return colour_pair<Src, ToRgb16>(job, cap.packed16);
-    case 0x07: return colour_pair<Src, ToXbgr32>(job, cap.quad);
-    case 0x08: return colour_pair<Src, ToBgrx32>(job, cap.quad);
-    case 0x09: return colour_pair<Src, ToBgr48>(job, cap.words48);
-    case 0x0A: return colour_pair<Src, ToBgr15>(job, cap.packed16);
-    case 0x0B: return colour_pair<Src, ToBgr16>(job, cap.packed16);
-    case 0x0C: return colour_pair<Src, ToXrgb32>(job, cap.quad);
-    case 0x0D: return colour_pair<Src, ToRgbx32>(job, cap.quad);
-    case 0x0E: return colour_pair<Src, ToRgb48>(job, cap.words48);
-    case 0x0F: return colour_pair<Src, ToRgb30>(job, cap.quad);
-    case 0x10: return colour_pair<Src, ToBgr30>(job, cap.quad);
-    case 0x11: return colour_pair<Src, ToBgr24>(job, cap.triple);
-    case 0x12: return colour_pair<Src, ToRgb24>(job, cap.triple);
+    case 0x05: return colour_pair<Src, ToRgb15>(job, cap.packed16, dst);
+    case 0x06: return colour_pair<Src, ToRgb16>(job, cap.packed16, dst);
+    case 0x07: return colour_pair<Src, ToXbgr32>(job, cap.quad, dst);
+    case 0x08: return colour_pair<Src, ToBgrx32>(job, cap.quad, dst);
+    case 0x09: return colour_pair<Src, ToBgr48>(job, cap.words48, dst);
+    case 0x0A: return colour_pair<Src, ToBgr15>(job, cap.packed16, dst);
+    case 0x0B: return colour_pair<Src, ToBgr16>(job, cap.packed16, dst);
+    case 0x0C: return colour_pair<Src, ToXrgb32>(job, cap.quad, dst);
+    case 0x0D: return colour_pair<Src, ToRgbx32>(job, cap.quad, dst);
+    case 0x0E: return colour_pair<Src, ToRgb48>(job, cap.words48, dst);
+    case 0x0F: return colour_pair<Src, ToRgb30>(job, cap.quad, dst);
+    case 0x10: return colour_pair<Src, ToBgr30>(job, cap.quad, dst);
+    case 0x11: return colour_pair<Src, ToBgr24>(job, cap.triple, dst);
+    case 0x12: return colour_pair<Src, ToRgb24>(job, cap.triple, dst);
     default: return ORV_ERROR_NOT_SUPPORTED;
     }
 }
@@ -58,8 +61,8 @@ ORV_STATUS to_fourteen(const ConversionJob &job, uint32_t dst,
 // The one conversion from a 32-bit colour source, walked in bytes.
 ORV_STATUS from_bgrx32(const ConversionJob &job, uint32_t dst) {
     if (dst != 0x11) return ORV_ERROR_NOT_SUPPORTED;
-    return run_rows<bgrx32_to_bgr24_row>(job, {12, 4},
-                                         plain_walk(job, 4, 0, 3, 0));
+    return run_rows(job, {12, 4}, plain_walk(job, 4, 0, 3, 0),
+                    convert_kernels_in_use().bgrx32_to_bgr24);
 }
 
 } // namespace

@@ -17,12 +17,14 @@
 #ifndef ORVANE_CONVERT_COLOUR_ROWS_H
 #define ORVANE_CONVERT_COLOUR_ROWS_H
 
+#include "../common/query.h"
 #include "byte_layouts.h"
-#include "frame.h"
+#include "kernels.h"
 
 #include <cstdint>
 
 namespace orv {
+inline namespace ORV_ISA {
 namespace colour {
 
 struct Samples {
@@ -35,6 +37,7 @@ constexpr uint32_t flag(uint32_t sample) { return sample != 0 ? 1u : 0u; }
 
 // Bytes B, G, R.
 struct FromBgr24 {
+    static constexpr ColourSource index = kFromBgr24;
     static constexpr uint32_t bytes = 3;
     static constexpr unsigned unit_shift = 0;
     static Samples read(const uint8_t *s) { return {s[2], s[1], s[0]}; }
@@ -54,6 +57,7 @@ struct FromBgr24 {
 
 // Three u16 words B, G, R with 16 significant bits.
 struct FromBgr48 {
+    static constexpr ColourSource index = kFromBgr48;
     static constexpr uint32_t bytes = 6;
     static constexpr unsigned unit_shift = 1;
     static Samples read(const uint8_t *s) {
@@ -76,6 +80,7 @@ struct FromBgr48 {
 // Three u16 words B, G, R holding 12-bit samples; bits above the twelfth
 // are not masked and reach the results as computed.
 struct FromBgr36 {
+    static constexpr ColourSource index = kFromBgr36;
     static constexpr uint32_t bytes = 6;
     static constexpr unsigned unit_shift = 1;
     static Samples read(const uint8_t *s) { return FromBgr48::read(s); }
@@ -97,6 +102,7 @@ struct FromBgr36 {
 // 22-31: not the mirror of the BGR24 writer, which puts G at bit 10.
 // Its 30-bit destinations have rows of their own, so it packs no 30-bit word.
 struct FromRgb30 {
+    static constexpr ColourSource index = kFromRgb30;
     static constexpr uint32_t bytes = 4;
     static constexpr unsigned unit_shift = 2;
     static Samples read(const uint8_t *s) {
@@ -111,6 +117,11 @@ struct FromRgb30 {
     static uint32_t pack16(uint32_t hi, uint32_t g, uint32_t lo) {
         return ((hi >> 5) << 11) | ((g >> 4) << 5) | (lo >> 5);
     }
+};
+
+// Bytes B, G, R, X: converted only into BGR24, by a row of its own.
+struct FromBgrx32 {
+    static constexpr uint32_t bytes = 4;
 };
 
 // ---- Destinations ----------------------------------------------------------
@@ -236,6 +247,13 @@ inline void bgrx32_to_bgr24_row(const uint8_t *src, uint8_t *dst,
     }
 }
 
+// A SIMD file may give a pair a bulk kernel by specialising this: `run`
+// converts the first n pixels of the row (n even, n <= width) and returns
+// n; the pair's plain row converts the rest.
+template <class Src, class Dst> struct ColourBulk {
+    static constexpr bool present = false;
+};
+
 // The row of each (source, destination) pair.
 template <class Src, class Dst>
 inline constexpr RowFunction pair_row = colour_row<Src, Dst>;
@@ -245,8 +263,11 @@ template <> inline constexpr RowFunction pair_row<FromRgb30, ToRgb48> = rgb30_to
 template <> inline constexpr RowFunction pair_row<FromRgb30, ToRgb30> = rgb30_copy_row;
 // RGB30 into BGR30 exchanges the outer fields of the word.
 template <> inline constexpr RowFunction pair_row<FromRgb30, ToBgr30> = rgb30_to_bgr30_row;
+// BGRX32 into BGR24 exchanges red and blue.
+template <> inline constexpr RowFunction pair_row<FromBgrx32, ToBgr24> = bgrx32_to_bgr24_row;
 
 } // namespace colour
+} // namespace ORV_ISA
 } // namespace orv
 
 #endif // ORVANE_CONVERT_COLOUR_ROWS_H

@@ -2,16 +2,16 @@
 // dispatcher learnt about both buffers, the capacity test, and the row
 // loop that steps both buffers by their 32-bit row differences.
 //
-// A conversion supplies a row function (one source line into one
-// destination line) and the distances from one row start to the next; the
-// frame supplies the rest. Row functions are plain loops with no branches
-// on format inside them.
+// A conversion supplies a row function from the kernel table (one source
+// line into one destination line) and the distances from one row start to
+// the next; the frame supplies the rest. Rows carry no branches on format inside them.
 #ifndef ORVANE_CONVERT_FRAME_H
 #define ORVANE_CONVERT_FRAME_H
 
 #include <orvane/convert.h>
 
 #include "../common/query.h"
+#include "kernels.h"
 
 #include <cstdint>
 
@@ -75,17 +75,14 @@ inline RowWalk plain_walk(const ConversionJob &job, uint32_t src_bytes,
                 row_step(job.dst_stride, w * dst_bytes, dst_unit_shift)};
 }
 
-using RowFunction = void (*)(const uint8_t *src, uint8_t *dst,
-                             uint32_t width);
-
 // Capacity test, height-0 exit, then one row function call per source row.
-template <RowFunction Row>
-ORV_STATUS run_rows(const ConversionJob &job, Capacity cap, RowWalk walk) {
+inline ORV_STATUS run_rows(const ConversionJob &job, Capacity cap,
+                           RowWalk walk, RowFunction row) {
     if (destination_too_small(job, cap)) return ORV_ERROR_BAD_PARAM;
     const uint8_t *src = job.src;
     uint8_t *dst = job.dst;
     for (uint32_t y = 0; y < job.src_height; ++y) {
-        Row(src, dst, job.src_width);
+        row(src, dst, job.src_width);
         src = advance(src, walk.src_next);
         dst = advance(dst, walk.dst_next);
     }
