@@ -8,7 +8,7 @@ set(ORV_ISA_FLAGS_avx2 -mavx2)
 set(ORV_ISA_FLAGS_avx512 -mavx2 -mavx512f -mavx512bw -mavx512vl)
 
 if(ORV_SIMD)
-  target_compile_definitions(orvaneimage PRIVATE ORV_SIMD_TWINS=1)
+  target_compile_definitions(orvane_kernels PUBLIC ORV_SIMD_TWINS=1)
 endif()
 
 # orv_simd_sources(TARGET ISA FILE [ISA FILE]...)
