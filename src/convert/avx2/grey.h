@@ -1,0 +1,2 @@
+// The avx2 bulk kernels of the grey rows. Included by kernels_avx2.cpp only,
+// before the table is built.

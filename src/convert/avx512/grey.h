@@ -1,0 +1,2 @@
+// The avx512 bulk kernels of the grey rows. Included by kernels_avx512.cpp only,
+// before the table is built.

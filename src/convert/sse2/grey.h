@@ -1,0 +1,2 @@
+// The sse2 bulk kernels of the grey rows. Included by kernels_sse2.cpp only,
+// before the table is built.
