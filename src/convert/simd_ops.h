@@ -1,0 +1,164 @@
+// What the bulk kernels of one instruction set need from its vectors, for
+// the kernels written once over them (grey_bulk.h, yuv422_bulk.h): a
+// vector of W bytes seen as 128-bit lanes, loads and stores, byte shuffles
+// within a lane, dword permutes across lanes, and the few conversions
+// that differ in name between AVX2 and AVX-512. Included by the AVX2 and
+// AVX-512 kernel files only, inside their own namespace, so each file gets
+// its own copy compiled for its own instruction set.
+#ifndef ORVANE_CONVERT_SIMD_OPS_H
+#define ORVANE_CONVERT_SIMD_OPS_H
+
+#include "../common/isa.h"
+
+#include <immintrin.h>
+
+#include <cstdint>
+
+namespace orv {
+inline namespace ORV_ISA {
+namespace simd {
+
+#if defined(__AVX512BW__)
+
+struct Ops {
+    using V = __m512i;
+    static constexpr uint32_t W = 64;
+    static V load(const uint8_t *p) { return _mm512_loadu_si512(p); }
+    static void store(uint8_t *p, V v) { _mm512_storeu_si512(p, v); }
+    // Stores the first `n` bytes of v (n <= W); nothing else is touched.
+    static void store_first(uint8_t *p, V v, uint32_t n) {
+        const __mmask64 keep = n >= 64 ? ~__mmask64(0)
+                                       : (__mmask64(1) << n) - 1;
+        _mm512_mask_storeu_epi8(p, keep, v);
+    }
+    // Stores the bytes of v whose bit is set in the repeating 4-byte
+    // pattern `keep4`; the others are never written.
+    static void store_bytes_of_quads(uint8_t *p, V v, unsigned keep4) {
+        uint64_t mask = 0;
+        for (unsigned q = 0; q < 16; ++q) mask |= uint64_t(keep4) << (4 * q);
+        _mm512_mask_storeu_epi8(p, mask, v);
+    }
+    static V bytes(const uint8_t (&table)[W]) { return load(table); }
+    static V dwords(const uint32_t (&table)[W / 4]) {
+        return _mm512_loadu_si512(table);
+    }
+    static V permute_dwords(V v, V index) {
+        return _mm512_permutexvar_epi32(index, v);
+    }
+    static V shuffle_bytes(V v, V index) { return _mm512_shuffle_epi8(v, index); }
+    static V set16(uint16_t x) { return _mm512_set1_epi16(static_cast<short>(x)); }
+    static V set32(uint32_t x) { return _mm512_set1_epi32(static_cast<int>(x)); }
+    static V add16(V a, V b) { return _mm512_add_epi16(a, b); }
+    static V sub16(V a, V b) { return _mm512_sub_epi16(a, b); }
+    static V and_(V a, V b) { return _mm512_and_si512(a, b); }
+    static V or_(V a, V b) { return _mm512_or_si512(a, b); }
+    template <int N> static V srl16(V v) { return _mm512_srli_epi16(v, N); }
+    template <int N> static V sll16(V v) { return _mm512_slli_epi16(v, N); }
+    template <int N> static V srl32(V v) { return _mm512_srli_epi32(v, N); }
+    template <int N> static V sll32(V v) { return _mm512_slli_epi32(v, N); }
+    template <int N> static V sra32(V v) { return _mm512_srai_epi32(v, N); }
+    static V madd16(V a, V b) { return _mm512_madd_epi16(a, b); }
+    // Saturating pack of two vectors of 16-bit lanes into bytes, lane by
+    // lane: lane j holds a's lane j, then b's lane j.
+    static V packus16(V a, V b) { return _mm512_packus_epi16(a, b); }
+    static V unpacklo8(V a, V b) { return _mm512_unpacklo_epi8(a, b); }
+    static V unpackhi8(V a, V b) { return _mm512_unpackhi_epi8(a, b); }
+    static V unpacklo16(V a, V b) { return _mm512_unpacklo_epi16(a, b); }
+    static V unpackhi16(V a, V b) { return _mm512_unpackhi_epi16(a, b); }
+    // The low bytes of the 16-bit lanes of two vectors, in order.
+    static V truncate16(V a, V b) {
+        return _mm512_inserti64x4(_mm512_castsi256_si512(_mm512_cvtepi16_epi8(a)),
+                                  _mm512_cvtepi16_epi8(b), 1);
+    }
+    // W/2 bytes zero-extended into 16-bit lanes.
+    static V widen8(const uint8_t *p) {
+        return _mm512_cvtepu8_epi16(
+            _mm256_loadu_si256(reinterpret_cast<const __m256i *>(p)));
+    }
+    // Two vectors of pixels whose lanes alternate between them in memory
+    // order (a's lane j, then b's lane j), written out as two vectors in
+    // memory order.
+    static void zip_lanes(V a, V b, V &first, V &second) {
+        first = _mm512_permutex2var_epi64(
+            a, _mm512_setr_epi64(0, 1, 8, 9, 2, 3, 10, 11), b);
+        second = _mm512_permutex2var_epi64(
+            a, _mm512_setr_epi64(4, 5, 12, 13, 6, 7, 14, 15), b);
+    }
+};
+
+#elif defined(__AVX2__)
+
+struct Ops {
+    using V = __m256i;
+    static constexpr uint32_t W = 32;
+    static V load(const uint8_t *p) {
+        return _mm256_loadu_si256(reinterpret_cast<const __m256i *>(p));
+    }
+    static void store(uint8_t *p, V v) {
+        _mm256_storeu_si256(reinterpret_cast<__m256i *>(p), v);
+    }
+    // Stores the first `n` bytes of v, n a multiple of 4 (n <= W).
+    static void store_first(uint8_t *p, V v, uint32_t n) {
+        const __m256i lane = _mm256_setr_epi32(0, 1, 2, 3, 4, 5, 6, 7);
+        const __m256i keep = _mm256_cmpgt_epi32(
+            _mm256_set1_epi32(static_cast<int>(n / 4)), lane);
+        _mm256_maskstore_epi32(reinterpret_cast<int *>(p), keep, v);
+    }
+    // AVX2 has no byte-masked store: the bytes outside `keep4` are read
+    // and written back with the value they had. Callers are told so.
+    static void store_bytes_of_quads(uint8_t *p, V v, unsigned keep4) {
+        uint32_t pattern = 0;
+        for (unsigned b = 0; b < 4; ++b)
+            if (keep4 & (1u << b)) pattern |= 0xFFu << (8 * b);
+        const V keep = _mm256_set1_epi32(static_cast<int>(pattern));
+        store(p, _mm256_blendv_epi8(load(p), v, keep));
+    }
+    static V bytes(const uint8_t (&table)[W]) { return load(table); }
+    static V dwords(const uint32_t (&table)[W / 4]) {
+        return _mm256_loadu_si256(reinterpret_cast<const __m256i *>(table));
+    }
+    static V permute_dwords(V v, V index) {
+        return _mm256_permutevar8x32_epi32(v, index);
+    }
+    static V shuffle_bytes(V v, V index) { return _mm256_shuffle_epi8(v, index); }
+    static V set16(uint16_t x) { return _mm256_set1_epi16(static_cast<short>(x)); }
+    static V set32(uint32_t x) { return _mm256_set1_epi32(static_cast<int>(x)); }
+    static V add16(V a, V b) { return _mm256_add_epi16(a, b); }
+    static V sub16(V a, V b) { return _mm256_sub_epi16(a, b); }
+    static V and_(V a, V b) { return _mm256_and_si256(a, b); }
+    static V or_(V a, V b) { return _mm256_or_si256(a, b); }
+    template <int N> static V srl16(V v) { return _mm256_srli_epi16(v, N); }
+    template <int N> static V sll16(V v) { return _mm256_slli_epi16(v, N); }
+    template <int N> static V srl32(V v) { return _mm256_srli_epi32(v, N); }
+    template <int N> static V sll32(V v) { return _mm256_slli_epi32(v, N); }
+    template <int N> static V sra32(V v) { return _mm256_srai_epi32(v, N); }
+    static V madd16(V a, V b) { return _mm256_madd_epi16(a, b); }
+    static V packus16(V a, V b) { return _mm256_packus_epi16(a, b); }
+    static V unpacklo8(V a, V b) { return _mm256_unpacklo_epi8(a, b); }
+    static V unpackhi8(V a, V b) { return _mm256_unpackhi_epi8(a, b); }
+    static V unpacklo16(V a, V b) { return _mm256_unpacklo_epi16(a, b); }
+    static V unpackhi16(V a, V b) { return _mm256_unpackhi_epi16(a, b); }
+    static V truncate16(V a, V b) {
+        const V low = _mm256_set1_epi16(0xFF);
+        return _mm256_permute4x64_epi64(
+            _mm256_packus_epi16(_mm256_and_si256(a, low),
+                                _mm256_and_si256(b, low)),
+            _MM_SHUFFLE(3, 1, 2, 0));
+    }
+    static V widen8(const uint8_t *p) {
+        return _mm256_cvtepu8_epi16(
+            _mm_loadu_si128(reinterpret_cast<const __m128i *>(p)));
+    }
+    static void zip_lanes(V a, V b, V &first, V &second) {
+        first = _mm256_permute2x128_si256(a, b, 0x20);
+        second = _mm256_permute2x128_si256(a, b, 0x31);
+    }
+};
+
+#endif
+
+} // namespace simd
+} // namespace ORV_ISA
+} // namespace orv
+
+#endif // ORVANE_CONVERT_SIMD_OPS_H
