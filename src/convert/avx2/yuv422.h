@@ -1,2 +1,3 @@
-// The avx2 bulk kernels of the yuv422 rows. Included by kernels_avx2.cpp only,
-// before the table is built.
+// The AVX2 bulk kernels of the YUV 4:2:2 rows: those of yuv422_bulk.h.
+// Included by kernels_avx2.cpp only, before the table is built.
+#include "../yuv422_bulk.h"
