@@ -1,101 +1,330 @@
-// Throughput of representative conversions, demosaics and de-interlacers on
-// a 1920 x 1080 image, reported in pixels per second.
+// Throughput of OVC_Convert and OVC_FieldToFrame on 1920 x 1080 images of
+// random bytes, timed beside the fastest open-source peers (OpenCV, libyuv)
+// on the same images in the same run. Every row of the table below times
+// the library call and each of the row's peers; after the runs, a table
+// gives per row the library's Mpixel/s, the fastest peer's, and the ratio
+// of their times.
 //
-//   build/bench/orvane_bench --benchmark_filter=Convert
+// Times are wall-clock; a row's figure is its fastest repetition (5 of at
+// least 0.1 s each by default, interleaved at random across the benchmarks
+// so that a burst of load on a shared machine hits all of them alike).
+// Mpixel/s counts the source image's pixels.
+//
+//   build-bench/bench/orvane_bench                             # every row
+//   build-bench/bench/orvane_bench --benchmark_filter=YUV422    # some rows
+//   ... --benchmark_out=run.json --benchmark_out_format=json    # for scripts
+//
+// Benchmark names are Routine/Row/implementation ("Convert/Y8_to_BGRX32/
+// orvane", ".../opencv_GRAY2BGRA"); scripts/bench_table reads them so.
+#include "images.h"
+#include "peers.h"
+
 #include <orvaneimage.h>
+#if __has_include(<orvane/version.h>)
+#include <orvane/version.h>
+#endif
 
 #include <benchmark/benchmark.h>
 
-#include <cstdint>
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <limits>
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
+#include <unistd.h>
+#include <utility>
 #include <vector>
 
+namespace orv_bench {
 namespace {
 
-constexpr uint32_t kWidth = 1920;
-constexpr uint32_t kHeight = 1080;
+enum class Routine { Convert, FieldToFrame };
 
-uint32_t bytes_per_pixel(uint32_t format) {
-    switch (format & 0xFF) {
-    case 0x01: case 0x16: return 1;
-    case 0x03: case 0x07: case 0x08: case 0x0C: case 0x0D: case 0x0F:
-    case 0x10: return 4;
-    case 0x09: case 0x0E: case 0x1C: case 0x1D: return 6;
-    case 0x11: case 0x12: return 3;
-    default: return 2;
-    }
-}
-
-// A source and a destination image with their buffer handles.
-struct ImagePair {
-    std::vector<uint8_t> src, dst;
-    OFS_HANDLE src_handle, dst_handle;
-
-    ImagePair(uint32_t src_format, uint32_t dst_format, uint32_t dst_height) {
-        const uint32_t src_stride = kWidth * bytes_per_pixel(src_format);
-        const uint32_t dst_stride = kWidth * bytes_per_pixel(dst_format);
-        src.resize(size_t(src_stride) * (kHeight + 1));
-        dst.resize(size_t(dst_stride) * dst_height);
-        uint32_t x = 12345;
-        for (auto &b : src) b = uint8_t((x = x * 1103515245u + 12345u) >> 24);
-        src_handle = OFS_BufferCreateImage(src.data(), kWidth, kHeight,
-                                           src_stride, src_format);
-        dst_handle = OFS_BufferCreateImage(dst.data(), kWidth, dst_height,
-                                           dst_stride, dst_format);
-    }
-    ~ImagePair() {
-        OFS_BufferDestroy(src_handle);
-        OFS_BufferDestroy(dst_handle);
-    }
+struct Row {
+    std::string name; // Routine/Row: the benchmark names' first two parts
+    Routine routine;
+    uint32_t source_format;
+    uint32_t destination_format;
+    uint32_t method; // Bayer method for Convert, field method otherwise
+    std::vector<Peer> peers;
 };
-
-void Convert(benchmark::State &state, uint32_t src_format,
-             uint32_t dst_format, uint32_t method) {
-    ImagePair images(src_format, dst_format, kHeight + 1);
-    const uint32_t phase = ORV_BAYER_PHASE_A;
-    OFS_BufferParameterSet(images.src_handle, OFS_BAYER_METHOD, &method);
-    OFS_BufferParameterSet(images.src_handle, OFS_BAYER_PHASE, &phase);
-    for (auto _ : state) {
-        ORV_STATUS status = OVC_Convert(images.src_handle, images.dst_handle);
-        benchmark::DoNotOptimize(status);
-        if (status != ORV_OK) {
-            state.SkipWithError("conversion not available");
-            break;
-        }
-    }
-    state.SetItemsProcessed(int64_t(state.iterations()) * kWidth * kHeight);
-}
-
-void FieldToFrame(benchmark::State &state, uint32_t format, uint32_t method) {
-    ImagePair images(format, format, 2 * kHeight);
-    for (auto _ : state) {
-        ORV_STATUS status = OVC_FieldToFrame(images.src_handle,
-                                             images.dst_handle, method, 0);
-        benchmark::DoNotOptimize(status);
-        if (status != ORV_OK) {
-            state.SkipWithError("de-interlace not available");
-            break;
-        }
-    }
-    state.SetItemsProcessed(int64_t(state.iterations()) * kWidth * kHeight);
-}
 
 constexpr uint32_t kNoMethod = 0;
 
-BENCHMARK_CAPTURE(Convert, Y8_to_BGRX32, ORV_FORMAT_Y8, ORV_FORMAT_BGRX32, kNoMethod);
-BENCHMARK_CAPTURE(Convert, Y8_to_BGR24, ORV_FORMAT_Y8, ORV_FORMAT_BGR24, kNoMethod);
-BENCHMARK_CAPTURE(Convert, Y16_to_Y8, ORV_FORMAT_Y16, ORV_FORMAT_Y8, kNoMethod);
-BENCHMARK_CAPTURE(Convert, Y12_to_RGB16, ORV_FORMAT_Y12, ORV_FORMAT_RGB16, kNoMethod);
-BENCHMARK_CAPTURE(Convert, BGR24_to_BGRX32, ORV_FORMAT_BGR24, ORV_FORMAT_BGRX32, kNoMethod);
-BENCHMARK_CAPTURE(Convert, BGR24_to_RGB16, ORV_FORMAT_BGR24, ORV_FORMAT_RGB16, kNoMethod);
-BENCHMARK_CAPTURE(Convert, BGRX32_to_BGR24, ORV_FORMAT_BGRX32, ORV_FORMAT_BGR24, kNoMethod);
-BENCHMARK_CAPTURE(Convert, YUV422_to_BGRX32, ORV_FORMAT_YUV422, ORV_FORMAT_BGRX32, kNoMethod);
-BENCHMARK_CAPTURE(Convert, YUV422_to_RGB24, ORV_FORMAT_YUV422, ORV_FORMAT_RGB24, kNoMethod);
-BENCHMARK_CAPTURE(Convert, BAY8_to_BGR24_dup, ORV_FORMAT_BAY8, ORV_FORMAT_BGR24, ORV_BAYER_METHOD_DUP);
-BENCHMARK_CAPTURE(Convert, BAY8_to_BGR24_ave, ORV_FORMAT_BAY8, ORV_FORMAT_BGR24, ORV_BAYER_METHOD_AVE);
-BENCHMARK_CAPTURE(Convert, BAY8_to_BGR24_med, ORV_FORMAT_BAY8, ORV_FORMAT_BGR24, ORV_BAYER_METHOD_MED);
-BENCHMARK_CAPTURE(Convert, BAY12_to_BGRX32_ave, ORV_FORMAT_BAY12, ORV_FORMAT_BGRX32, ORV_BAYER_METHOD_AVE);
-BENCHMARK_CAPTURE(FieldToFrame, Y8_LineAve, ORV_FORMAT_Y8, OVC_FIELD_LINEAVE);
-BENCHMARK_CAPTURE(FieldToFrame, BGRX32_Bilinear, ORV_FORMAT_BGRX32, OVC_FIELD_BILINEAR);
-BENCHMARK_CAPTURE(FieldToFrame, YUV422_Median, ORV_FORMAT_YUV422, OVC_FIELD_MEDIAN);
+Row convert(const char *formats, uint32_t from, uint32_t to, std::vector<Peer> peers) {
+    return {std::string("Convert/") + formats, Routine::Convert, from, to, kNoMethod,
+            std::move(peers)};
+}
+
+Row demosaic(const char *formats, uint32_t from, uint32_t to, uint32_t method,
+             std::vector<Peer> peers) {
+    return {std::string("Convert/") + formats, Routine::Convert, from, to, method,
+            std::move(peers)};
+}
+
+Row field_to_frame(const char *format_and_method, uint32_t format, uint32_t method,
+                   std::vector<Peer> peers) {
+    return {std::string("FieldToFrame/") + format_and_method, Routine::FieldToFrame, format,
+            format, method, std::move(peers)};
+}
+
+// Peers are listed by macros that end in a comma, hence no commas between
+// them; a peer whose library is missing leaves its row's list shorter.
+const std::vector<Row> &rows() {
+    static const std::vector<Row> table = {
+        convert("Y8_to_BGRX32", ORV_FORMAT_Y8, ORV_FORMAT_BGRX32, {OPENCV_PEER(GRAY2BGRA)}),
+        convert("Y8_to_BGR24", ORV_FORMAT_Y8, ORV_FORMAT_BGR24, {OPENCV_PEER(GRAY2BGR)}),
+        convert("Y16_to_Y8", ORV_FORMAT_Y16, ORV_FORMAT_Y8,
+                {LIBYUV_PEER_CALL("Convert16To8Plane", libyuv_y16_to_y8)}),
+        convert("Y12_to_RGB16", ORV_FORMAT_Y12, ORV_FORMAT_RGB16, {}),
+        convert("BGR24_to_RGB16", ORV_FORMAT_BGR24, ORV_FORMAT_RGB16, {OPENCV_PEER(BGR2BGR565)}),
+        convert("BGRX32_to_BGR24", ORV_FORMAT_BGRX32, ORV_FORMAT_BGR24,
+                {LIBYUV_PEER(ARGBToRAW) LIBYUV_PEER(ARGBToRGB24) OPENCV_PEER(BGRA2BGR)
+                     OPENCV_PEER(BGRA2RGB)}),
+        convert("BGR24_to_BGRX32", ORV_FORMAT_BGR24, ORV_FORMAT_BGRX32,
+                {LIBYUV_PEER(RGB24ToARGB) OPENCV_PEER(BGR2BGRA)}),
+        convert("BGR24_to_RGB24", ORV_FORMAT_BGR24, ORV_FORMAT_RGB24,
+                {LIBYUV_PEER(RGB24ToRAW) OPENCV_PEER(BGR2RGB)}),
+        convert("YUV422_to_BGR24", ORV_FORMAT_YUV422, ORV_FORMAT_BGR24,
+                {LIBYUV_PEER_VIA_SCRATCH(YUY2ToARGB, ARGBToRGB24) OPENCV_PEER(YUV2BGR_YUY2)}),
+        convert("YUV422_to_RGB24", ORV_FORMAT_YUV422, ORV_FORMAT_RGB24,
+                {LIBYUV_PEER_VIA_SCRATCH(YUY2ToARGB, ARGBToRAW) OPENCV_PEER(YUV2RGB_YUY2)}),
+        convert("YUV422_to_BGRX32", ORV_FORMAT_YUV422, ORV_FORMAT_BGRX32,
+                {LIBYUV_PEER(YUY2ToARGB) OPENCV_PEER(YUV2BGRA_YUY2)}),
+        demosaic("BAY8_to_BGR24_dup", ORV_FORMAT_BAY8, ORV_FORMAT_BGR24, ORV_BAYER_METHOD_DUP, {}),
+        demosaic("BAY8_to_BGR24_ave", ORV_FORMAT_BAY8, ORV_FORMAT_BGR24, ORV_BAYER_METHOD_AVE, {}),
+        demosaic("BAY8_to_BGR24_med", ORV_FORMAT_BAY8, ORV_FORMAT_BGR24, ORV_BAYER_METHOD_MED, {}),
+        demosaic("BAY12_to_BGRX32_ave", ORV_FORMAT_BAY12, ORV_FORMAT_BGRX32, ORV_BAYER_METHOD_AVE,
+                 {}),
+        field_to_frame("Y8_LineAve", ORV_FORMAT_Y8, OVC_FIELD_LINEAVE, {}),
+        field_to_frame("BGRX32_Bilinear", ORV_FORMAT_BGRX32, OVC_FIELD_BILINEAR, {}),
+        field_to_frame("YUV422_Median", ORV_FORMAT_YUV422, OVC_FIELD_MEDIAN, {}),
+    };
+    return table;
+}
+
+constexpr const char *kLibraryName = "orvane";
+
+// A row's source, filled with the same pseudo-random bytes for every
+// implementation, and its destination. Both keep a line to spare for the
+// routines that read or write a pixel past the image; a frame holds two
+// lines per field line.
+class RowImages {
+public:
+    explicit RowImages(const Row &row)
+        : source_format_(row.source_format),
+          destination_format_(row.destination_format),
+          destination_height_(row.routine == Routine::FieldToFrame ? 2 * kHeight
+                                                                   : kHeight),
+          source_(size_t(source_stride()) * (kHeight + 1)),
+          destination_(size_t(destination_stride()) * (destination_height_ + 1)) {
+        uint32_t x = 12345;
+        for (auto &b : source_) b = uint8_t((x = x * 1103515245u + 12345u) >> 24);
+    }
+
+    uint32_t source_stride() const { return kWidth * bytes_per_pixel(source_format_); }
+    uint32_t destination_stride() const {
+        return kWidth * bytes_per_pixel(destination_format_);
+    }
+    Plane source() {
+        return {source_.data(), source_format_, int(kWidth), int(kHeight),
+                int(source_stride())};
+    }
+    Plane destination() {
+        return {destination_.data(), destination_format_, int(kWidth),
+                int(destination_height_), int(destination_stride())};
+    }
+
+private:
+    uint32_t source_format_, destination_format_, destination_height_;
+    std::vector<uint8_t> source_, destination_;
+};
+
+// The library's buffer descriptors of a row's images.
+class LibraryBuffers {
+public:
+    LibraryBuffers(const Row &row, RowImages &images) {
+        const Plane src = images.source(), dst = images.destination();
+        source = OFS_BufferCreateImage(src.data, kWidth, kHeight,
+                                       images.source_stride(), src.format);
+        destination = OFS_BufferCreateImage(dst.data, kWidth, uint32_t(dst.height),
+                                            images.destination_stride(), dst.format);
+        if (row.routine == Routine::Convert && row.method != kNoMethod) {
+            const uint32_t phase = ORV_BAYER_PHASE_A;
+            OFS_BufferParameterSet(source, OFS_BAYER_METHOD, &row.method);
+            OFS_BufferParameterSet(source, OFS_BAYER_PHASE, &phase);
+        }
+    }
+    ~LibraryBuffers() {
+        OFS_BufferDestroy(source);
+        OFS_BufferDestroy(destination);
+    }
+    LibraryBuffers(const LibraryBuffers &) = delete;
+    LibraryBuffers &operator=(const LibraryBuffers &) = delete;
+
+    OFS_HANDLE source, destination;
+};
+
+void time_library(benchmark::State &state, const Row &row) {
+    RowImages images(row);
+    const LibraryBuffers buffers(row, images);
+    for (auto _ : state) {
+        const ORV_STATUS status =
+            row.routine == Routine::Convert
+                ? OVC_Convert(buffers.source, buffers.destination)
+                : OVC_FieldToFrame(buffers.source, buffers.destination, row.method, 0);
+        if (status != ORV_OK) {
+            state.SkipWithError(("status " + std::to_string(status)).c_str());
+            break;
+        }
+    }
+}
+
+void time_peer(benchmark::State &state, const Row &row, const Peer &peer) {
+    RowImages images(row);
+    std::vector<uint8_t> scratch(size_t(kWidth) * 4 * kHeight);
+    const PeerImages planes{
+        images.source(), images.destination(),
+        {scratch.data(), ORV_FORMAT_BGRX32, int(kWidth), int(kHeight), int(kWidth * 4)}};
+    for (auto _ : state) {
+        if (!peer.convert(planes)) {
+            state.SkipWithError("the peer did not convert into the destination");
+            break;
+        }
+    }
+}
+
+double fastest(const std::vector<double> &values) {
+    return *std::min_element(values.begin(), values.end());
+}
+
+void register_benchmarks() {
+    const auto in_wall_time = [](benchmark::internal::Benchmark *registered) {
+        registered->UseRealTime()->Unit(benchmark::kMillisecond);
+        registered->ComputeStatistics("min", fastest);
+    };
+    for (const Row &row : rows()) {
+        in_wall_time(benchmark::RegisterBenchmark(
+            (row.name + "/" + kLibraryName).c_str(),
+            [&row](benchmark::State &state) { time_library(state, row); }));
+        for (const Peer &peer : row.peers)
+            in_wall_time(benchmark::RegisterBenchmark(
+                (row.name + "/" + peer.name).c_str(),
+                [&row, &peer](benchmark::State &state) { time_peer(state, row, peer); }));
+    }
+}
+
+// Shows runs on the console as usual and keeps each benchmark's fastest
+// wall time per image, from its repetitions or their "min" aggregate.
+class FastestTimeReporter : public benchmark::ConsoleReporter {
+public:
+    FastestTimeReporter()
+        : ConsoleReporter(isatty(STDOUT_FILENO) ? OO_ColorTabular : OO_Tabular) {}
+
+    void ReportRuns(const std::vector<Run> &runs) override {
+        for (const Run &run : runs) record(run);
+        ConsoleReporter::ReportRuns(runs);
+    }
+
+    // Seconds per image, or nothing when the benchmark did not run or failed.
+    std::optional<double> seconds(const std::string &name) const {
+        const auto found = seconds_.find(name);
+        if (found == seconds_.end() || failed(name)) return std::nullopt;
+        return found->second;
+    }
+    bool failed(const std::string &name) const { return failed_.count(name) != 0; }
+
+private:
+    void record(const Run &run) {
+        const std::string &name = run.run_name.function_name;
+        if (run.error_occurred) {
+            failed_.insert(name);
+            return;
+        }
+        const bool timing = run.run_type == Run::RT_Iteration || run.aggregate_name == "min";
+        if (!timing) return;
+        const double time =
+            run.GetAdjustedRealTime() / benchmark::GetTimeUnitMultiplier(run.time_unit);
+        auto [entry, inserted] = seconds_.emplace(name, time);
+        if (!inserted) entry->second = std::min(entry->second, time);
+    }
+
+    std::map<std::string, double> seconds_;
+    std::set<std::string> failed_;
+};
+
+double megapixels_per_second(double seconds) { return kPixelsPerImage / seconds / 1e6; }
+
+void print_ratio_table(const FastestTimeReporter &times, const char *instruction_set) {
+    std::printf("\nFastest wall time per image; the library runs on %s.\n"
+                "ratio = library time / fastest peer time (below 1: the library is faster)\n\n",
+                instruction_set);
+    std::printf("%-30s %12s  %-38s %10s %7s\n", "row", "orvane Mpx/s", "fastest peer",
+                "Mpx/s", "ratio");
+    for (const Row &row : rows()) {
+        const std::string library = row.name + "/" + kLibraryName;
+        if (times.failed(library)) {
+            std::printf("%-30s %12s\n", row.name.c_str(), "failed");
+            continue;
+        }
+        const std::optional<double> library_seconds = times.seconds(library);
+        if (!library_seconds) continue; // filtered out
+        const Peer *best = nullptr;
+        double best_seconds = std::numeric_limits<double>::infinity();
+        for (const Peer &peer : row.peers) {
+            const std::optional<double> peer_seconds = times.seconds(row.name + "/" + peer.name);
+            if (peer_seconds && *peer_seconds < best_seconds) {
+                best = &peer;
+                best_seconds = *peer_seconds;
+            }
+        }
+        std::printf("%-30s %12.1f", row.name.c_str(), megapixels_per_second(*library_seconds));
+        if (best != nullptr)
+            std::printf("  %-38s %10.1f %7.2f", best->name.c_str(),
+                        megapixels_per_second(best_seconds), *library_seconds / best_seconds);
+        std::printf("\n");
+    }
+}
+
+const char *instruction_set() {
+#if __has_include(<orvane/version.h>)
+    return OVC_InstructionSet();
+#else
+    const char *cap = std::getenv("ORVANE_SIMD");
+    return cap != nullptr ? cap : "default";
+#endif
+}
 
 } // namespace
+} // namespace orv_bench
+
+int main(int argc, char **argv) {
+    using namespace orv_bench;
+    // Defaults go before the command line's arguments, which override them.
+    std::vector<std::string> defaults = {
+        "--benchmark_repetitions=5", "--benchmark_min_time=0.1",
+        "--benchmark_display_aggregates_only=true",
+        "--benchmark_enable_random_interleaving=true"};
+    std::vector<char *> args = {argv[0]};
+    for (std::string &flag : defaults) args.push_back(flag.data());
+    args.insert(args.end(), argv + 1, argv + argc + 1); // with its null
+    int arg_count = int(args.size()) - 1;
+    benchmark::Initialize(&arg_count, args.data());
+    if (benchmark::ReportUnrecognizedArguments(arg_count, args.data())) return 1;
+
+    const char *level = instruction_set();
+    benchmark::AddCustomContext("orvane_instruction_set", level);
+    benchmark::AddCustomContext("image", std::to_string(kWidth) + " x " + std::to_string(kHeight));
+    benchmark::AddCustomContext("pixels_per_image", std::to_string(kWidth * kHeight));
+    set_up_peers();
+    register_benchmarks();
+
+    FastestTimeReporter reporter;
+    benchmark::RunSpecifiedBenchmarks(&reporter);
+    print_ratio_table(reporter, level);
+    benchmark::Shutdown();
+    return 0;
+}
