@@ -6,9 +6,11 @@
 #include "pending_file.h"
 
 #include <CLI/CLI.hpp>
+#include <orvaneimage.h>
 
 #include <cstdio>
 #include <new>
+#include <string>
 
 #ifndef ORVANE_VERSION
 #error "ORVANE_VERSION must name the project version"
@@ -68,7 +70,13 @@ int run(int argc, char **argv) {
                  "(pixel formats, Bayer demosaicing, de-interlacing, raw and "
                  "TIFF files)",
                  "orvane"};
-    app.set_version_flag("--version", ORVANE_VERSION);
+    // The instruction set is the one the library chose for this machine
+    // (ORVANE_SIMD caps it).
+    app.set_version_flag("--version", [] {
+        return std::string("orvane " ORVANE_VERSION ", OrvaneImage library "
+                           ORVANE_VERSION ", kernels: ") +
+               OVC_InstructionSet();
+    });
     app.require_subcommand(1);
     app.footer("Exit status: 0 done, 1 a file or the library refused the "
                "work, 2 bad command line.");

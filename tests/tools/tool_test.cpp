@@ -644,6 +644,7 @@ TEST(CommandLine, VersionHelpAndMissingCommand) {
     };
     const Case cases[] = {
         {{"--version"}, 0, ORVANE_VERSION},
+        {{"--version"}, 0, "kernels: "},
         {{"--help"}, 0, "deinterlace"},
         {{"convert", "--help"}, 0, "historic layout"},
         {{"deinterlace", "--help"}, 0, "linedup|lineave|bilinear|median"},
