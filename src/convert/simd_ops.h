@@ -1,10 +1,10 @@
 // What the bulk kernels of one instruction set need from its vectors, for
 // the kernels written once over them (grey_bulk.h, yuv422_bulk.h): a
-// vector of W bytes seen as 128-bit lanes, loads and stores, byte shuffles
-// within a lane, dword permutes across lanes, and the few conversions
-// that differ in name between AVX2 and AVX-512. Included by the AVX2 and
-// AVX-512 kernel files only, inside their own namespace, so each file gets
-// its own copy compiled for its own instruction set.
+// vector of W bytes seen as 128-bit lanes, loads and stores, lane-wise
+// arithmetic and, from AVX2 on, byte shuffles within a lane and dword
+// permutes across lanes. Included by the SIMD kernel files only, inside
+// their own namespace, so each file gets its own copy compiled for its
+// own instruction set.
 #ifndef ORVANE_CONVERT_SIMD_OPS_H
 #define ORVANE_CONVERT_SIMD_OPS_H
 
@@ -32,7 +32,7 @@ struct Ops {
         _mm512_mask_storeu_epi8(p, keep, v);
     }
     // Stores the bytes of v whose bit is set in the repeating 4-byte
-    // pattern `keep4`; the others are never written.
+    // pattern `keep4`; the others, zero in v, are never written.
     static void store_bytes_of_quads(uint8_t *p, V v, unsigned keep4) {
         uint64_t mask = 0;
         for (unsigned q = 0; q < 16; ++q) mask |= uint64_t(keep4) << (4 * q);
@@ -104,14 +104,16 @@ struct Ops {
             _mm256_set1_epi32(static_cast<int>(n / 4)), lane);
         _mm256_maskstore_epi32(reinterpret_cast<int *>(p), keep, v);
     }
-    // AVX2 has no byte-masked store: the bytes outside `keep4` are read
-    // and written back with the value they had. Callers are told so.
+    // AVX2 has no byte-masked store: the bytes outside `keep4`, which are
+    // zero in v, are read and written back with the value they had.
+    // Callers are told so.
     static void store_bytes_of_quads(uint8_t *p, V v, unsigned keep4) {
-        uint32_t pattern = 0;
+        uint32_t kept = 0;
         for (unsigned b = 0; b < 4; ++b)
-            if (keep4 & (1u << b)) pattern |= 0xFFu << (8 * b);
-        const V keep = _mm256_set1_epi32(static_cast<int>(pattern));
-        store(p, _mm256_blendv_epi8(load(p), v, keep));
+            if (!(keep4 & (1u << b))) kept |= 0xFFu << (8 * b);
+        store(p, _mm256_or_si256(v, _mm256_and_si256(
+                                        load(p), _mm256_set1_epi32(
+                                                     static_cast<int>(kept)))));
     }
     static V bytes(const uint8_t (&table)[W]) { return load(table); }
     static V dwords(const uint32_t (&table)[W / 4]) {
@@ -152,6 +154,38 @@ struct Ops {
     static void zip_lanes(V a, V b, V &first, V &second) {
         first = _mm256_permute2x128_si256(a, b, 0x20);
         second = _mm256_permute2x128_si256(a, b, 0x31);
+    }
+};
+
+#elif defined(__SSE2__)
+
+// SSE2 has no byte shuffle: only the lane-wise part.
+struct Ops {
+    using V = __m128i;
+    static constexpr uint32_t W = 16;
+    static V load(const uint8_t *p) {
+        return _mm_loadu_si128(reinterpret_cast<const __m128i *>(p));
+    }
+    static void store(uint8_t *p, V v) {
+        _mm_storeu_si128(reinterpret_cast<__m128i *>(p), v);
+    }
+    static V set16(uint16_t x) { return _mm_set1_epi16(static_cast<short>(x)); }
+    static V and_(V a, V b) { return _mm_and_si128(a, b); }
+    static V or_(V a, V b) { return _mm_or_si128(a, b); }
+    template <int N> static V srl16(V v) { return _mm_srli_epi16(v, N); }
+    template <int N> static V sll16(V v) { return _mm_slli_epi16(v, N); }
+    static V unpacklo8(V a, V b) { return _mm_unpacklo_epi8(a, b); }
+    static V unpackhi8(V a, V b) { return _mm_unpackhi_epi8(a, b); }
+    static V unpacklo16(V a, V b) { return _mm_unpacklo_epi16(a, b); }
+    static V unpackhi16(V a, V b) { return _mm_unpackhi_epi16(a, b); }
+    static V truncate16(V a, V b) {
+        const V low = _mm_set1_epi16(0xFF);
+        return _mm_packus_epi16(_mm_and_si128(a, low), _mm_and_si128(b, low));
+    }
+    static V widen8(const uint8_t *p) {
+        return _mm_unpacklo_epi8(
+            _mm_loadl_epi64(reinterpret_cast<const __m128i *>(p)),
+            _mm_setzero_si128());
     }
 };
 
