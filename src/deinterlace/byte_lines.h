@@ -1,34 +1,39 @@
 // The byte-wise filled lines: LineAve's mean line and the Y8, 24-bit and
-// 32-bit line shapes of Bilinear and Median, each as the plain byte loop
-// and, where the target has SSE2, a twin of the mean line and of the
-// weighted kernel's runs that does sixteen bytes a step, reads and writes
-// exactly the bytes the loop does and gives the same values. The methods
-// fill with the `fastest_` / `Fastest` choice of each.
+// 32-bit line shapes of Bilinear and Median, as plain byte loops. They are
+// the reference for the vector twins (simd_lines.h) and are compiled again
+// by every SIMD file, which finishes its lines with them, so they live in
+// orv::ORV_ISA like all kernel code.
 #ifndef ORVANE_DEINTERLACE_BYTE_LINES_H
 #define ORVANE_DEINTERLACE_BYTE_LINES_H
 
-#include "frame.h"
+#include "kernels.h"
+
+#include "../common/query.h"
 
 #include <cstdint>
 
-#if defined(__SSE2__)
-#include <emmintrin.h>
-#endif
-
 namespace orv {
-namespace deinterlace {
+inline namespace ORV_ISA {
+namespace field_lines {
+
+using deinterlace::FillLine;
 
 inline uint8_t vertical_mean(const uint8_t *a, const uint8_t *b, uint32_t i) {
     return static_cast<uint8_t>((a[i] + b[i]) >> 1);
+}
+
+// The bytes [begin, end) of a line, each the mean of the bytes above and
+// below it.
+inline void mean_run(const uint8_t *a, const uint8_t *b, uint32_t begin,
+                     uint32_t end, uint8_t *out) {
+    for (uint32_t i = begin; i < end; ++i) out[i] = vertical_mean(a, b, i);
 }
 
 // The mean, rounded down, of each byte and the byte below it. The bytes of
 // a multi-byte sample are averaged separately, with no carry between them.
 inline uintptr_t average_lines(const uint8_t *above, uint32_t stride,
                                uint8_t *out) {
-    const uint8_t *below = advance(above, stride);
-    for (uint32_t b = 0; b < stride; ++b)
-        out[b] = static_cast<uint8_t>((above[b] + below[b]) >> 1);
+    mean_run(above, advance(above, stride), 0, stride, out);
     return stride;
 }
 
@@ -110,100 +115,17 @@ uintptr_t quad_line(const uint8_t *a, uint32_t stride, uint8_t *out) {
     return 8 + inner_bytes;
 }
 
-#if defined(__SSE2__)
-
-namespace sse2 {
-
-inline __m128i load(const uint8_t *p) {
-    return _mm_loadu_si128(reinterpret_cast<const __m128i *>(p));
+// The table of this file's instruction set with the mean line `average`
+// and the weighted kernel's runs done by Runs.
+template <class Runs>
+constexpr deinterlace::DeinterlaceKernels kernels_with(FillLine average) {
+    return {average, grey_line<WeightedKernel, Runs>,
+            triple_line<WeightedKernel, Runs>,
+            quad_line<WeightedKernel, Runs>};
 }
 
-// Eight byte sums of two lines, from their low or high eight bytes.
-inline __m128i sum_lo(__m128i x, __m128i y) {
-    const __m128i zero = _mm_setzero_si128();
-    return _mm_add_epi16(_mm_unpacklo_epi8(x, zero),
-                         _mm_unpacklo_epi8(y, zero));
-}
-inline __m128i sum_hi(__m128i x, __m128i y) {
-    const __m128i zero = _mm_setzero_si128();
-    return _mm_add_epi16(_mm_unpackhi_epi8(x, zero),
-                         _mm_unpackhi_epi8(y, zero));
-}
-
-// 105 c + 75 s is 15 (7 c + 5 s); 7 c + 5 s stays below 8671, and the
-// high half of its product with 1920 is exactly floor(15 (7 c + 5 s) / 512).
-inline __m128i weighted(__m128i centre, __m128i sides) {
-    const __m128i t = _mm_add_epi16(_mm_mullo_epi16(centre, _mm_set1_epi16(7)),
-                                    _mm_mullo_epi16(sides, _mm_set1_epi16(5)));
-    return _mm_mulhi_epu16(t, _mm_set1_epi16(1920));
-}
-
-// The weighted bytes i to i + 15, their side neighbours D bytes away.
-template <uint32_t D>
-inline void weighted_step(const uint8_t *a, const uint8_t *b, uint32_t i,
-                          uint8_t *out) {
-    const __m128i al = load(a + i - D), bl = load(b + i - D);
-    const __m128i ac = load(a + i), bc = load(b + i);
-    const __m128i ar = load(a + i + D), br = load(b + i + D);
-    const __m128i lo = weighted(
-        sum_lo(ac, bc), _mm_add_epi16(sum_lo(al, bl), sum_lo(ar, br)));
-    const __m128i hi = weighted(
-        sum_hi(ac, bc), _mm_add_epi16(sum_hi(al, bl), sum_hi(ar, br)));
-    _mm_storeu_si128(reinterpret_cast<__m128i *>(out + i),
-                     _mm_packus_epi16(lo, hi));
-}
-
-} // namespace sse2
-
-// average_lines' twin. The average of two bytes rounded up, less one where
-// their sum is odd, is their mean rounded down.
-inline uintptr_t average_lines_sse2(const uint8_t *above, uint32_t stride,
-                                    uint8_t *out) {
-    const uint8_t *below = advance(above, stride);
-    const __m128i one = _mm_set1_epi8(1);
-    uint32_t b = 0;
-    for (; stride - b >= 16; b += 16) {
-        const __m128i x = sse2::load(above + b), y = sse2::load(below + b);
-        const __m128i odd = _mm_and_si128(_mm_xor_si128(x, y), one);
-        _mm_storeu_si128(reinterpret_cast<__m128i *>(out + b),
-                         _mm_sub_epi8(_mm_avg_epu8(x, y), odd));
-    }
-    for (; b < stride; ++b)
-        out[b] = static_cast<uint8_t>((above[b] + below[b]) >> 1);
-    return stride;
-}
-
-// ByteRuns<WeightedKernel>'s twin: sixteen weighted bytes a step while
-// the step's last byte is inside the run, then the byte loop. A step's
-// right-hand neighbours end D bytes past the run, where the plain loop's
-// last ones do. Every shape starts its run D bytes or more into the line
-// and never past its end.
-struct WeightedRunsSse2 {
-    template <uint32_t D>
-    static void fill(const uint8_t *a, const uint8_t *b, uint32_t begin,
-                     uint32_t end, uint8_t *out) {
-        uint32_t i = begin;
-        for (; end - i >= 16; i += 16) sse2::weighted_step<D>(a, b, i, out);
-        ByteRuns<WeightedKernel>::fill<D>(a, b, i, end, out);
-    }
-};
-
-#endif // __SSE2__
-
-// The runs and the mean line the methods fill with.
-template <class Rule> struct Fastest {
-    using Runs = ByteRuns<Rule>;
-};
-#if defined(__SSE2__)
-template <> struct Fastest<WeightedKernel> {
-    using Runs = WeightedRunsSse2;
-};
-inline constexpr FillLine fastest_average_lines = average_lines_sse2;
-#else
-inline constexpr FillLine fastest_average_lines = average_lines;
-#endif
-
-} // namespace deinterlace
+} // namespace field_lines
+} // namespace ORV_ISA
 } // namespace orv
 
 #endif // ORVANE_DEINTERLACE_BYTE_LINES_H

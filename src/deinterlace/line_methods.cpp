@@ -1,8 +1,8 @@
 // LineDup and LineAve: filled lines made byte by byte over the whole
 // stride, whatever the pixel format (the format is never asked). LineAve's
-// mean line lives in byte_lines.h beside its vector twin.
-#include "byte_lines.h"
+// mean line comes from the kernel table of the level in use.
 #include "frame.h"
+#include "kernels.h"
 
 #include <cstring>
 
@@ -31,5 +31,5 @@ extern "C" ORV_API ORV_STATUS OVC_FieldToFrame_LineAve(OFS_HANDLE field,
                                                       OFS_HANDLE frame,
                                                       uint32_t parity) {
     using namespace orv::deinterlace;
-    return field_to_frame(field, frame, parity, {fastest_average_lines, 0});
+    return field_to_frame(field, frame, parity, {kernels_in_use().average, 0});
 }

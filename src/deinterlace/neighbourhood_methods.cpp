@@ -6,14 +6,22 @@
 // neighbourhood (the weighted kernel or the median of six) and in how many
 // 32-bit pixels they reach. The first and last pixels of a line, where a
 // side neighbour is missing, are plain vertical means. The weighted
-// kernel and the Y8, 24-bit and 32-bit line shapes live in byte_lines.h
-// beside the kernel's vector twin.
+// kernel and the Y8, 24-bit and 32-bit line shapes live in byte_lines.h;
+// Bilinear takes those three lines from the kernel table of the level in
+// use, Median's lines and both methods' YUV 4:2:2 lines are plain.
 #include "byte_lines.h"
 #include "frame.h"
+#include "kernels.h"
 
 namespace orv {
 namespace deinterlace {
 namespace {
+
+using field_lines::grey_line;
+using field_lines::quad_line;
+using field_lines::triple_line;
+using field_lines::vertical_mean;
+using field_lines::WeightedKernel;
 
 // ---- Values of a neighbourhood --------------------------------------------
 
@@ -92,23 +100,44 @@ uintptr_t yuv_line(const uint8_t *a, uint32_t stride, uint8_t *out) {
     return stride;
 }
 
+// A method's lines for each layout, and the least Y8 stride it handles.
+struct MethodLines {
+    FillLine grey;
+    uint32_t least_grey_stride;
+    FillLine triple, quad, yuv;
+};
+
 // The layout is told by the whole format code. Strides below the smallest
 // line of a layout are refused by the frame.
-template <class Rule> ShapeChoice shape_for(uint32_t format) {
-    using Runs = typename Fastest<Rule>::Runs;
+ShapeChoice shape_for(uint32_t format, const MethodLines &lines) {
     switch (format) {
     case ORV_FORMAT_Y8:
-        return {true, {grey_line<Rule, Runs>, Rule::least_grey_stride}};
+        return {true, {lines.grey, lines.least_grey_stride}};
     case ORV_FORMAT_XBGR32: case ORV_FORMAT_BGRX32:
     case ORV_FORMAT_XRGB32: case ORV_FORMAT_RGBX32:
-        return {true, {quad_line<Rule, Runs>, 8}};
+        return {true, {lines.quad, 8}};
     case ORV_FORMAT_BGR24: case ORV_FORMAT_RGB24:
-        return {true, {triple_line<Rule, Runs>, 3}};
+        return {true, {lines.triple, 3}};
     case ORV_FORMAT_YUV422:
-        return {true, {yuv_line<Rule>, 8}};
+        return {true, {lines.yuv, 8}};
     default:
         return {false, {nullptr, 0}};
     }
+}
+
+ShapeChoice bilinear_shape(uint32_t format) {
+    const DeinterlaceKernels &k = kernels_in_use();
+    return shape_for(format, {k.bilinear_grey,
+                              WeightedKernel::least_grey_stride,
+                              k.bilinear_triple, k.bilinear_quad,
+                              yuv_line<WeightedKernel>});
+}
+
+ShapeChoice median_shape(uint32_t format) {
+    return shape_for(format, {grey_line<MedianOfSix>,
+                              MedianOfSix::least_grey_stride,
+                              triple_line<MedianOfSix>, quad_line<MedianOfSix>,
+                              yuv_line<MedianOfSix>});
 }
 
 } // namespace
@@ -125,14 +154,12 @@ extern "C" ORV_API ORV_STATUS OVC_FieldToFrame_Bilinear(OFS_HANDLE field,
                                                        OFS_HANDLE frame,
                                                        uint32_t parity) {
     using namespace orv::deinterlace;
-    return field_to_frame_by_format(field, frame, parity,
-                                    shape_for<WeightedKernel>);
+    return field_to_frame_by_format(field, frame, parity, bilinear_shape);
 }
 
 extern "C" ORV_API ORV_STATUS OVC_FieldToFrame_Median(OFS_HANDLE field,
                                                      OFS_HANDLE frame,
                                                      uint32_t parity) {
     using namespace orv::deinterlace;
-    return field_to_frame_by_format(field, frame, parity,
-                                    shape_for<MedianOfSix>);
+    return field_to_frame_by_format(field, frame, parity, median_shape);
 }

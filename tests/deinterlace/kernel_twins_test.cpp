@@ -1,0 +1,119 @@
+// Every vector twin of a filled line against the plain line, byte for
+// byte, at every level up to the one in use: LineAve's mean line and
+// Bilinear's Y8, 24-bit and 32-bit lines. Strides 0 to 70 (every short
+// shape, one whole vector step and the tails after it) and a few long
+// ones; the two field lines and the output end flush against an
+// inaccessible page at the last byte the plain line reads and writes, so a
+// twin that touches one byte more faults; the output starts as a pattern.
+#include "deinterlace/kernels.h"
+#include "support/guarded_bytes.h"
+#include "support/kernel_levels.h"
+#include "support/test_image.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+namespace {
+
+using orv::deinterlace::DeinterlaceKernels;
+using orv::deinterlace::FillLine;
+using Bytes = std::vector<uint8_t>;
+
+// `extent`: the bytes the line reads from each field line and writes, from
+// their starts. 32-bit lines stop at the last whole pixel; 24-bit lines
+// write two pixels of means even below a six-byte stride.
+struct Line {
+    const char *name;
+    FillLine DeinterlaceKernels::*entry;
+    uint32_t least_stride;
+    size_t (*extent)(uint32_t stride);
+};
+
+const Line lines[] = {
+    {"LineAve", &DeinterlaceKernels::average, 0,
+     [](uint32_t s) -> size_t { return s; }},
+    {"Bilinear Y8", &DeinterlaceKernels::bilinear_grey, 2,
+     [](uint32_t s) -> size_t { return s; }},
+    {"Bilinear 24-bit", &DeinterlaceKernels::bilinear_triple, 3,
+     [](uint32_t s) -> size_t { return std::max(s, 6u); }},
+    {"Bilinear 32-bit", &DeinterlaceKernels::bilinear_quad, 8,
+     [](uint32_t s) -> size_t { return s & ~3u; }},
+};
+
+std::vector<uint32_t> strides() {
+    std::vector<uint32_t> s;
+    for (uint32_t i = 0; i <= 70; ++i) s.push_back(i);
+    for (uint32_t i : {72u, 131u, 255u, 1001u, 4097u}) s.push_back(i);
+    return s;
+}
+
+// Random lines, all-255 lines (the largest kernel sums) and lines of 0
+// and 255 in runs of three (the largest differences between neighbours).
+enum class Content { Random, Full, Stripes };
+
+Bytes field_bytes(size_t count, Content content, uint32_t seed) {
+    Bytes bytes = orv_test::random_bytes(count, seed);
+    for (size_t i = 0; i < count; ++i) {
+        if (content == Content::Full) bytes[i] = 255;
+        if (content == Content::Stripes) bytes[i] = (i / 3) % 2 ? 255 : 0;
+    }
+    return bytes;
+}
+
+struct Filled {
+    Bytes out;
+    uintptr_t moved;
+};
+
+// The longest field: two lines of 4097 bytes.
+constexpr size_t kRoom = 2 * 4097;
+
+Filled fill(FillLine line, const Bytes &field, uint32_t stride,
+            size_t extent) {
+    static orv_test::GuardedBytes in(kRoom), out(kRoom);
+    const uint8_t *above = in.place(field);
+    const uintptr_t moved =
+        line(above, stride, out.place(Bytes(extent, 0xA5)));
+    return {out.last(extent), moved};
+}
+
+const DeinterlaceKernels *const by_level[orv::kSimdLevels] = {
+    &orv::plain::deinterlace_kernels,
+#if ORV_SIMD_TWINS
+    &orv::sse2::deinterlace_kernels, &orv::avx2::deinterlace_kernels,
+    &orv::avx512::deinterlace_kernels,
+#else
+    nullptr, nullptr, nullptr,
+#endif
+};
+
+TEST(FilledLineTwins, WriteExactlyThePlainLinesBytes) {
+    const auto twins = orv_test::twin_tables(by_level);
+    if (twins.empty()) GTEST_SKIP() << "no SIMD level in use";
+    uint32_t seed = 7;
+    for (const Line &line : lines)
+        for (uint32_t stride : strides()) {
+            if (stride < line.least_stride) continue;
+            const size_t extent = line.extent(stride);
+            for (Content content :
+                 {Content::Random, Content::Full, Content::Stripes}) {
+                // The line below starts `stride` bytes after the one above.
+                const Bytes field =
+                    field_bytes(stride + extent, content, ++seed);
+                const Filled expected =
+                    fill(by_level[0]->*line.entry, field, stride, extent);
+                for (const auto &twin : twins) {
+                    const Filled actual =
+                        fill(twin.table->*line.entry, field, stride, extent);
+                    ASSERT_EQ(actual.moved, expected.moved)
+                        << line.name << " at " << twin.level;
+                    ASSERT_EQ(actual.out, expected.out)
+                        << line.name << " at " << twin.level << ", stride "
+                        << stride << ", content " << int(content);
+                }
+            }
+        }
+}
+
+} // namespace
