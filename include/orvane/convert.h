@@ -37,10 +37,10 @@ ORV_EXTERN_C_BEGIN
  *
  * The X byte of XBGR32, BGRX32, XRGB32 and RGBX32 destinations keeps its
  * value from colour and YUV 4:2:2 sources (grey sources write it). When
- * the library runs at the AVX2 level (orvane/version.h), YUV 4:2:2 into
- * these four formats reads each X byte and writes the same value back, so
- * no other thread may write those bytes during the call; every other level
- * never touches them.
+ * the library runs at the AVX2 level (orvane/version.h), colour and
+ * YUV 4:2:2 sources into these four formats read each X byte and write the
+ * same value back, so no other thread may write those bytes during the
+ * call; every other level never touches them.
  */
 ORV_API ORV_STATUS OVC_Convert(OFS_HANDLE source, OFS_HANDLE destination);
 

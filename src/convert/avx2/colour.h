@@ -1,2 +1,3 @@
-// The avx2 bulk kernels of the colour rows. Included by kernels_avx2.cpp only,
-// before the table is built.
+// The AVX2 bulk kernels of the colour rows: those of colour_bulk.h.
+// Included by kernels_avx2.cpp only, before the table is built.
+#include "../colour_bulk.h"

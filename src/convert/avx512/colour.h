@@ -1,2 +1,3 @@
-// The avx512 bulk kernels of the colour rows. Included by kernels_avx512.cpp only,
-// before the table is built.
+// The AVX-512 bulk kernels of the colour rows: those of colour_bulk.h.
+// Included by kernels_avx512.cpp only, before the table is built.
+#include "../colour_bulk.h"
