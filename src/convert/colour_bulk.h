@@ -26,7 +26,7 @@
 #define ORVANE_CONVERT_COLOUR_BULK_H
 
 #include "colour_rows.h"
-#include "simd_ops.h"
+#include "../common/simd_ops.h"
 
 namespace orv {
 inline namespace ORV_ISA {

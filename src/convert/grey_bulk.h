@@ -14,7 +14,7 @@
 #define ORVANE_CONVERT_GREY_BULK_H
 
 #include "grey_rows.h"
-#include "simd_ops.h"
+#include "../common/simd_ops.h"
 
 namespace orv {
 inline namespace ORV_ISA {

@@ -13,7 +13,7 @@
 #ifndef ORVANE_CONVERT_YUV422_BULK_H
 #define ORVANE_CONVERT_YUV422_BULK_H
 
-#include "simd_ops.h"
+#include "../common/simd_ops.h"
 #include "yuv422_rows.h"
 
 namespace orv {

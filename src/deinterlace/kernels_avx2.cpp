@@ -2,42 +2,11 @@
 // thirty-two bytes a step.
 #include "simd_lines.h"
 
-#include <immintrin.h>
-
 namespace orv {
 inline namespace ORV_ISA {
-namespace field_lines {
-
-struct VectorOps {
-    using V = __m256i;
-    static constexpr uint32_t W = 32;
-    static V load(const uint8_t *p) {
-        return _mm256_loadu_si256(reinterpret_cast<const __m256i *>(p));
-    }
-    static void store(uint8_t *p, V v) {
-        _mm256_storeu_si256(reinterpret_cast<__m256i *>(p), v);
-    }
-    static V splat8(uint8_t x) { return _mm256_set1_epi8(static_cast<char>(x)); }
-    static V splat16(uint16_t x) {
-        return _mm256_set1_epi16(static_cast<short>(x));
-    }
-    static V zero() { return _mm256_setzero_si256(); }
-    static V avg8(V a, V b) { return _mm256_avg_epu8(a, b); }
-    static V sub8(V a, V b) { return _mm256_sub_epi8(a, b); }
-    static V xor_(V a, V b) { return _mm256_xor_si256(a, b); }
-    static V and_(V a, V b) { return _mm256_and_si256(a, b); }
-    static V unpacklo8(V a, V b) { return _mm256_unpacklo_epi8(a, b); }
-    static V unpackhi8(V a, V b) { return _mm256_unpackhi_epi8(a, b); }
-    static V add16(V a, V b) { return _mm256_add_epi16(a, b); }
-    static V mullo16(V a, V b) { return _mm256_mullo_epi16(a, b); }
-    static V mulhi16(V a, V b) { return _mm256_mulhi_epu16(a, b); }
-    static V packus16(V a, V b) { return _mm256_packus_epi16(a, b); }
-};
-
-} // namespace field_lines
 
 constexpr deinterlace::DeinterlaceKernels deinterlace_kernels =
-    field_lines::vector_kernels<field_lines::VectorOps>();
+    field_lines::vector_kernels();
 
 } // namespace ORV_ISA
 } // namespace orv

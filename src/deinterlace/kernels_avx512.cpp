@@ -2,38 +2,11 @@
 // sixty-four bytes a step.
 #include "simd_lines.h"
 
-#include <immintrin.h>
-
 namespace orv {
 inline namespace ORV_ISA {
-namespace field_lines {
-
-struct VectorOps {
-    using V = __m512i;
-    static constexpr uint32_t W = 64;
-    static V load(const uint8_t *p) { return _mm512_loadu_si512(p); }
-    static void store(uint8_t *p, V v) { _mm512_storeu_si512(p, v); }
-    static V splat8(uint8_t x) { return _mm512_set1_epi8(static_cast<char>(x)); }
-    static V splat16(uint16_t x) {
-        return _mm512_set1_epi16(static_cast<short>(x));
-    }
-    static V zero() { return _mm512_setzero_si512(); }
-    static V avg8(V a, V b) { return _mm512_avg_epu8(a, b); }
-    static V sub8(V a, V b) { return _mm512_sub_epi8(a, b); }
-    static V xor_(V a, V b) { return _mm512_xor_si512(a, b); }
-    static V and_(V a, V b) { return _mm512_and_si512(a, b); }
-    static V unpacklo8(V a, V b) { return _mm512_unpacklo_epi8(a, b); }
-    static V unpackhi8(V a, V b) { return _mm512_unpackhi_epi8(a, b); }
-    static V add16(V a, V b) { return _mm512_add_epi16(a, b); }
-    static V mullo16(V a, V b) { return _mm512_mullo_epi16(a, b); }
-    static V mulhi16(V a, V b) { return _mm512_mulhi_epu16(a, b); }
-    static V packus16(V a, V b) { return _mm512_packus_epi16(a, b); }
-};
-
-} // namespace field_lines
 
 constexpr deinterlace::DeinterlaceKernels deinterlace_kernels =
-    field_lines::vector_kernels<field_lines::VectorOps>();
+    field_lines::vector_kernels();
 
 } // namespace ORV_ISA
 } // namespace orv

@@ -1,17 +1,12 @@
 // The vector twins of the mean line and of the weighted kernel's runs,
-// written once over the vector operations of an instruction set (Ops, one
-// struct per SIMD file): Ops::W bytes a step while a whole step fits, then
-// the plain byte loop for the rest. Included only by the SIMD files, each
-// of which builds its table with them.
-//
-// Ops gives V, a vector of W bytes that its unpacks and packs treat as
-// independent 16-byte lanes, and: load, store, splat8, splat16, zero, avg8
-// (rounded up), sub8, xor_, and_, unpacklo8, unpackhi8 (per lane), add16,
-// mullo16, mulhi16 (unsigned high half) and packus16 (per lane).
+// written once over simd::Ops: Ops::W bytes a step while a whole step
+// fits, then the plain byte loop for the rest. Included only by the SIMD
+// files, each of which builds its table with them.
 #ifndef ORVANE_DEINTERLACE_SIMD_LINES_H
 #define ORVANE_DEINTERLACE_SIMD_LINES_H
 
 #include "byte_lines.h"
+#include "../common/simd_ops.h"
 
 namespace orv {
 inline namespace ORV_ISA {
@@ -57,9 +52,9 @@ template <class Ops> struct VectorWeightedRuns {
     // high half of its product with 1920 is exactly
     // floor(15 (7 c + 5 s) / 512).
     static V weighted(V centre, V sides) {
-        const V t = Ops::add16(Ops::mullo16(centre, Ops::splat16(7)),
-                               Ops::mullo16(sides, Ops::splat16(5)));
-        return Ops::mulhi16(t, Ops::splat16(1920));
+        const V t = Ops::add16(Ops::mullo16(centre, Ops::set16(7)),
+                               Ops::mullo16(sides, Ops::set16(5)));
+        return Ops::mulhi16(t, Ops::set16(1920));
     }
 
     // The weighted bytes i to i + W - 1, their side neighbours D bytes away.
@@ -88,9 +83,9 @@ template <class Ops> struct VectorWeightedRuns {
 };
 
 // The table of the SIMD file that includes this header.
-template <class Ops>
 constexpr deinterlace::DeinterlaceKernels vector_kernels() {
-    return kernels_with<VectorWeightedRuns<Ops>>(vector_average_lines<Ops>);
+    return kernels_with<VectorWeightedRuns<simd::Ops>>(
+        vector_average_lines<simd::Ops>);
 }
 
 } // namespace field_lines

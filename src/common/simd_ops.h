@@ -1,14 +1,15 @@
 // What the bulk kernels of one instruction set need from its vectors, for
-// the kernels written once over them (grey_bulk.h, yuv422_bulk.h): a
+// the kernels written once over them (the conversions' grey, colour and
+// YUV 4:2:2 bulk kernels, the de-interlace lines): a
 // vector of W bytes seen as 128-bit lanes, loads and stores, lane-wise
 // arithmetic and, from AVX2 on, byte shuffles within a lane and dword
 // permutes across lanes. Included by the SIMD kernel files only, inside
 // their own namespace, so each file gets its own copy compiled for its
 // own instruction set.
-#ifndef ORVANE_CONVERT_SIMD_OPS_H
-#define ORVANE_CONVERT_SIMD_OPS_H
+#ifndef ORVANE_COMMON_SIMD_OPS_H
+#define ORVANE_COMMON_SIMD_OPS_H
 
-#include "../common/isa.h"
+#include "isa.h"
 
 #include <immintrin.h>
 
@@ -47,6 +48,13 @@ struct Ops {
     }
     static V shuffle_bytes(V v, V index) { return _mm512_shuffle_epi8(v, index); }
     static V set16(uint16_t x) { return _mm512_set1_epi16(static_cast<short>(x)); }
+    static V splat8(uint8_t x) { return _mm512_set1_epi8(static_cast<char>(x)); }
+    static V zero() { return _mm512_setzero_si512(); }
+    static V avg8(V a, V b) { return _mm512_avg_epu8(a, b); }
+    static V sub8(V a, V b) { return _mm512_sub_epi8(a, b); }
+    static V xor_(V a, V b) { return _mm512_xor_si512(a, b); }
+    static V mullo16(V a, V b) { return _mm512_mullo_epi16(a, b); }
+    static V mulhi16(V a, V b) { return _mm512_mulhi_epu16(a, b); }
     static V set32(uint32_t x) { return _mm512_set1_epi32(static_cast<int>(x)); }
     static V add16(V a, V b) { return _mm512_add_epi16(a, b); }
     static V sub16(V a, V b) { return _mm512_sub_epi16(a, b); }
@@ -124,6 +132,13 @@ struct Ops {
     }
     static V shuffle_bytes(V v, V index) { return _mm256_shuffle_epi8(v, index); }
     static V set16(uint16_t x) { return _mm256_set1_epi16(static_cast<short>(x)); }
+    static V splat8(uint8_t x) { return _mm256_set1_epi8(static_cast<char>(x)); }
+    static V zero() { return _mm256_setzero_si256(); }
+    static V avg8(V a, V b) { return _mm256_avg_epu8(a, b); }
+    static V sub8(V a, V b) { return _mm256_sub_epi8(a, b); }
+    static V xor_(V a, V b) { return _mm256_xor_si256(a, b); }
+    static V mullo16(V a, V b) { return _mm256_mullo_epi16(a, b); }
+    static V mulhi16(V a, V b) { return _mm256_mulhi_epu16(a, b); }
     static V set32(uint32_t x) { return _mm256_set1_epi32(static_cast<int>(x)); }
     static V add16(V a, V b) { return _mm256_add_epi16(a, b); }
     static V sub16(V a, V b) { return _mm256_sub_epi16(a, b); }
@@ -159,7 +174,7 @@ struct Ops {
 
 #elif defined(__SSE2__)
 
-// SSE2 has no byte shuffle: only the lane-wise part.
+// SSE2 has no byte shuffle nor lane permute: only the lane-wise part.
 struct Ops {
     using V = __m128i;
     static constexpr uint32_t W = 16;
@@ -170,6 +185,15 @@ struct Ops {
         _mm_storeu_si128(reinterpret_cast<__m128i *>(p), v);
     }
     static V set16(uint16_t x) { return _mm_set1_epi16(static_cast<short>(x)); }
+    static V splat8(uint8_t x) { return _mm_set1_epi8(static_cast<char>(x)); }
+    static V zero() { return _mm_setzero_si128(); }
+    static V avg8(V a, V b) { return _mm_avg_epu8(a, b); }
+    static V sub8(V a, V b) { return _mm_sub_epi8(a, b); }
+    static V xor_(V a, V b) { return _mm_xor_si128(a, b); }
+    static V add16(V a, V b) { return _mm_add_epi16(a, b); }
+    static V mullo16(V a, V b) { return _mm_mullo_epi16(a, b); }
+    static V mulhi16(V a, V b) { return _mm_mulhi_epu16(a, b); }
+    static V packus16(V a, V b) { return _mm_packus_epi16(a, b); }
     static V and_(V a, V b) { return _mm_and_si128(a, b); }
     static V or_(V a, V b) { return _mm_or_si128(a, b); }
     template <int N> static V srl16(V v) { return _mm_srli_epi16(v, N); }
@@ -195,4 +219,4 @@ struct Ops {
 } // namespace ORV_ISA
 } // namespace orv
 
-#endif // ORVANE_CONVERT_SIMD_OPS_H
+#endif // ORVANE_COMMON_SIMD_OPS_H
