@@ -24,11 +24,19 @@ using simd::Ops;
 using V = Ops::V;
 constexpr uint32_t W = Ops::W;
 
-// A pair's floored term, from its 32-bit lane into both 16-bit halves so
-// that it lines up with Y0 and Y1.
-inline V pair_term(V chroma, V weights) {
-    const V t = Ops::sra32<10>(Ops::madd16(chroma, weights));
-    return Ops::or_(Ops::and_(t, Ops::set32(0xFFFF)), Ops::sll32<16>(t));
+// The floored terms of the pairs of two vectors of source bytes, each
+// pair's term in both 16-bit halves of its 32-bit lane so that it lines
+// up with Y0 and Y1. Every term lies within +-256, so the signed pack
+// keeps it exactly.
+struct PairTerms {
+    V lo, hi;
+};
+
+inline PairTerms pair_terms(V chroma_lo, V chroma_hi, V weights) {
+    const V packed =
+        Ops::packs32(Ops::sra32<10>(Ops::madd16(chroma_lo, weights)),
+                     Ops::sra32<10>(Ops::madd16(chroma_hi, weights)));
+    return {Ops::unpacklo16(packed, packed), Ops::unpackhi16(packed, packed)};
 }
 
 // R, G and B of W / 2 pixels, 16 bits each, not yet clamped.
@@ -36,13 +44,25 @@ struct Wide {
     V r, g, b;
 };
 
-inline Wide half_step(const uint8_t *src) {
-    const V s = Ops::load(src);
-    const V luma = Ops::and_(s, Ops::set16(0xFF));
-    const V chroma = Ops::sub16(Ops::srl16<8>(s), Ops::set16(128));
-    return {Ops::add16(luma, pair_term(chroma, Ops::set32(1436u << 16))),
-            Ops::sub16(luma, pair_term(chroma, Ops::set32(731u << 16 | 352u))),
-            Ops::add16(luma, pair_term(chroma, Ops::set32(1815u)))};
+// The two halves of a step: W / 2 pixels from each W source bytes.
+struct Halves {
+    Wide lo, hi;
+};
+
+inline Halves step_channels(const uint8_t *src) {
+    const V byte_mask = Ops::set16(0xFF), offset = Ops::set16(128);
+    const V s_lo = Ops::load(src), s_hi = Ops::load(src + W);
+    const V luma_lo = Ops::and_(s_lo, byte_mask);
+    const V luma_hi = Ops::and_(s_hi, byte_mask);
+    const V chroma_lo = Ops::sub16(Ops::srl16<8>(s_lo), offset);
+    const V chroma_hi = Ops::sub16(Ops::srl16<8>(s_hi), offset);
+    const PairTerms r = pair_terms(chroma_lo, chroma_hi, Ops::set32(1436u << 16));
+    const PairTerms g = pair_terms(chroma_lo, chroma_hi, Ops::set32(731u << 16 | 352u));
+    const PairTerms b = pair_terms(chroma_lo, chroma_hi, Ops::set32(1815u));
+    return {{Ops::add16(luma_lo, r.lo), Ops::sub16(luma_lo, g.lo),
+             Ops::add16(luma_lo, b.lo)},
+            {Ops::add16(luma_hi, r.hi), Ops::sub16(luma_hi, g.hi),
+             Ops::add16(luma_hi, b.hi)}};
 }
 
 template <class Layout> struct Channels;
@@ -57,7 +77,8 @@ struct Channels<ByteLayout<R, G, B, Bytes>> {
 // layout's X byte are zero.
 template <class Layout> void step_pixels(const uint8_t *src, V (&out)[4]) {
     using C = Channels<Layout>;
-    const Wide lo = half_step(src), hi = half_step(src + W);
+    const Halves h = step_channels(src);
+    const Wide &lo = h.lo, &hi = h.hi;
     const V zero = Ops::set32(0);
     V at[4] = {zero, zero, zero, zero};
     at[C::r] = Ops::packus16(lo.r, hi.r);
