@@ -6,9 +6,9 @@
 set(ORV_ISA_FLAGS_sse2 -msse2)
 set(ORV_ISA_FLAGS_avx2 -mavx2)
 # GCC 12 takes the lanes that its own AVX-512 intrinsics leave undefined
-# on purpose for maybe-uninitialized values, inside its headers.
+# on purpose for uninitialized values, inside its headers.
 set(ORV_ISA_FLAGS_avx512 -mavx2 -mavx512f -mavx512bw -mavx512vl
-    -Wno-maybe-uninitialized)
+    -Wno-uninitialized -Wno-maybe-uninitialized)
 
 if(ORV_SIMD)
   target_compile_definitions(orvane_kernels PUBLIC ORV_SIMD_TWINS=1)
