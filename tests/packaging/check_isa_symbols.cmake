@@ -22,12 +22,14 @@ foreach(object IN LISTS OBJECTS)
   foreach(line IN LISTS lines)
     # Upper-case types are global or weak; lower-case ones stay in the file.
     # The toolchain's own globals are allowed: AddressSanitizer's marker
-    # of each global variable and the 32-bit position-independent thunks.
+    # of each global variable, the 32-bit position-independent thunks and
+    # the exception-handling personality's reference.
     if(line MATCHES "^[0-9a-fA-F]* [A-Z] (.*)$")
       set(name "${CMAKE_MATCH_1}")
       if(NOT name MATCHES "^_Z[A-Z]*N?${namespace}"
          AND NOT name MATCHES "^__odr_asan\\._Z[A-Z]*N?${namespace}"
-         AND NOT name MATCHES "^__x86\\.get_pc_thunk\\.")
+         AND NOT name MATCHES "^__x86\\.get_pc_thunk\\."
+         AND NOT name STREQUAL "DW.ref.__gxx_personality_v0")
         list(APPEND leaks "${object}: ${name}")
       endif()
     endif()
