@@ -66,6 +66,8 @@ struct Ops {
     static V splat8(uint8_t x) { return _mm512_set1_epi8(static_cast<char>(x)); }
     static V zero() { return _mm512_setzero_si512(); }
     static V avg8(V a, V b) { return _mm512_avg_epu8(a, b); }
+    static V min8(V a, V b) { return _mm512_min_epu8(a, b); }
+    static V max8(V a, V b) { return _mm512_max_epu8(a, b); }
     static V sub8(V a, V b) { return _mm512_sub_epi8(a, b); }
     static V xor_(V a, V b) { return _mm512_xor_si512(a, b); }
     static V mullo16(V a, V b) { return _mm512_mullo_epi16(a, b); }
@@ -153,6 +155,8 @@ struct Ops {
     static V splat8(uint8_t x) { return _mm256_set1_epi8(static_cast<char>(x)); }
     static V zero() { return _mm256_setzero_si256(); }
     static V avg8(V a, V b) { return _mm256_avg_epu8(a, b); }
+    static V min8(V a, V b) { return _mm256_min_epu8(a, b); }
+    static V max8(V a, V b) { return _mm256_max_epu8(a, b); }
     static V sub8(V a, V b) { return _mm256_sub_epi8(a, b); }
     static V xor_(V a, V b) { return _mm256_xor_si256(a, b); }
     static V mullo16(V a, V b) { return _mm256_mullo_epi16(a, b); }
@@ -207,6 +211,8 @@ struct Ops {
     static V splat8(uint8_t x) { return _mm_set1_epi8(static_cast<char>(x)); }
     static V zero() { return _mm_setzero_si128(); }
     static V avg8(V a, V b) { return _mm_avg_epu8(a, b); }
+    static V min8(V a, V b) { return _mm_min_epu8(a, b); }
+    static V max8(V a, V b) { return _mm_max_epu8(a, b); }
     static V sub8(V a, V b) { return _mm_sub_epi8(a, b); }
     static V xor_(V a, V b) { return _mm_xor_si128(a, b); }
     static V add16(V a, V b) { return _mm_add_epi16(a, b); }

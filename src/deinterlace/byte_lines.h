@@ -1,5 +1,7 @@
-// The byte-wise filled lines: LineAve's mean line and the Y8, 24-bit and
-// 32-bit line shapes of Bilinear and Median, as plain byte loops. They are
+// The byte-wise filled lines: LineAve's mean line and the Y8, 24-bit,
+// 32-bit and YUV 4:2:2 line shapes of Bilinear and Median, with the values
+// of a neighbourhood (the weighted kernel and the median of six), as plain
+// byte loops. They are
 // the reference for the vector twins (simd_lines.h) and are compiled again
 // by every SIMD file, which finishes its lines with them, so they live in
 // orv::ORV_ISA like all kernel code.
@@ -55,13 +57,75 @@ struct WeightedKernel {
     static constexpr uint32_t least_grey_stride = 2;
 };
 
+inline uint32_t lesser(uint32_t a, uint32_t b) { return a < b ? a : b; }
+inline uint32_t greater(uint32_t a, uint32_t b) { return a < b ? b : a; }
+
+// The median of six bytes: the mean, rounded down, of the third and fourth
+// smallest. Three pair orderings, one comparison of the pair maxima and a
+// short decision tree; nothing is sorted.
+inline uint32_t median_of_six(uint32_t x0, uint32_t x1, uint32_t x2,
+                              uint32_t x3, uint32_t x4, uint32_t x5) {
+    x0 &= 0xFFu, x1 &= 0xFFu, x2 &= 0xFFu, x3 &= 0xFFu, x4 &= 0xFFu,
+        x5 &= 0xFFu;
+    const uint32_t lo01 = lesser(x0, x1), hi01 = greater(x0, x1);
+    const uint32_t lo23 = lesser(x2, x3), hi23 = greater(x2, x3);
+    const uint32_t r_lo = lesser(x4, x5), r_hi = greater(x4, x5);
+    // P: of the first two pairs the one with the larger high value (the
+    // first on a tie); Q: the other.
+    const bool first_is_p = hi01 >= hi23;
+    const uint32_t p_lo = first_is_p ? lo01 : lo23;
+    const uint32_t p_hi = first_is_p ? hi01 : hi23;
+    const uint32_t q_lo = first_is_p ? lo23 : lo01;
+    const uint32_t q_hi = first_is_p ? hi23 : hi01;
+    // The four values of P and Q in order: a <= b <= c <= d = p_hi.
+    const uint32_t a = lesser(p_lo, q_lo);
+    const uint32_t inner = greater(p_lo, q_lo);
+    const uint32_t b = lesser(inner, q_hi);
+    const uint32_t c = greater(inner, q_hi);
+    const uint32_t d = p_hi;
+    // Where the third pair falls among them decides the middle two.
+    if (r_hi <= b) return (greater(a, r_hi) + b) >> 1;
+    if (r_lo >= c) return (c + lesser(d, r_lo)) >> 1;
+    return (greater(b, r_lo) + lesser(c, r_hi)) >> 1;
+}
+
+struct MedianOfSix {
+    static uint8_t at(const uint8_t *a, const uint8_t *b, uint32_t i,
+                      uint32_t d) {
+        return static_cast<uint8_t>(
+            median_of_six(a[i - d], a[i], a[i + d], b[i - d], b[i], b[i + d]));
+    }
+    // 32-bit lines stop three pixels short of the kernel's: the line is
+    // 12 bytes shorter than the stride, and since the field and the frame
+    // move on by the line written, later lines shear left by 12 bytes each.
+    static uint32_t inner_pixels_32(uint32_t stride) {
+        const uint32_t pixels = (stride - 4) >> 2;
+        return pixels > 4 ? pixels - 4 : 0;
+    }
+    // A one-byte stride makes a two-byte line of vertical means.
+    static constexpr uint32_t least_grey_stride = 1;
+};
+
+// How far a byte's side neighbours are. Apart<D>: D bytes for every byte.
+template <uint32_t D> struct Apart {
+    static uint32_t of(uint32_t) { return D; }
+};
+
+// YUV 4:2:2 (Y0 U Y1 V): luma, the even bytes, two bytes; chroma, the odd
+// bytes, four.
+struct LumaChroma {
+    static uint32_t of(uint32_t i) { return i & 1u ? 4u : 2u; }
+};
+
 // The bytes [begin, end) of a line, each the rule's value of its own
-// neighbourhood, the side neighbours D bytes away: one byte at a time.
+// neighbourhood, the side neighbours as Spacing places them: one byte at a
+// time.
 template <class Rule> struct ByteRuns {
-    template <uint32_t D>
+    template <class Spacing>
     static void fill(const uint8_t *a, const uint8_t *b, uint32_t begin,
                      uint32_t end, uint8_t *out) {
-        for (uint32_t i = begin; i < end; ++i) out[i] = Rule::at(a, b, i, D);
+        for (uint32_t i = begin; i < end; ++i)
+            out[i] = Rule::at(a, b, i, Spacing::of(i));
     }
 };
 
@@ -77,7 +141,7 @@ uintptr_t grey_line(const uint8_t *a, uint32_t stride, uint8_t *out) {
         out[1] = vertical_mean(a, b, 1);
         return stride;
     }
-    Runs::template fill<1>(a, b, 1, stride - 1, out);
+    Runs::template fill<Apart<1>>(a, b, 1, stride - 1, out);
     out[stride - 1] = vertical_mean(a, b, stride - 1);
     return stride;
 }
@@ -94,7 +158,7 @@ uintptr_t triple_line(const uint8_t *a, uint32_t stride, uint8_t *out) {
         for (uint32_t i = 3; i < 6; ++i) out[i] = vertical_mean(a, b, i);
         return stride;
     }
-    Runs::template fill<3>(a, b, 3, stride - 3, out);
+    Runs::template fill<Apart<3>>(a, b, 3, stride - 3, out);
     for (uint32_t i = stride - 3; i < stride; ++i)
         out[i] = vertical_mean(a, b, i);
     return stride;
@@ -109,19 +173,49 @@ uintptr_t quad_line(const uint8_t *a, uint32_t stride, uint8_t *out) {
     const uint8_t *b = advance(a, stride);
     const uint32_t inner_bytes = 4 * Rule::inner_pixels_32(stride);
     for (uint32_t i = 0; i < 4; ++i) out[i] = vertical_mean(a, b, i);
-    Runs::template fill<4>(a, b, 4, 4 + inner_bytes, out);
+    Runs::template fill<Apart<4>>(a, b, 4, 4 + inner_bytes, out);
     for (uint32_t i = 4 + inner_bytes; i < 8 + inner_bytes; ++i)
         out[i] = vertical_mean(a, b, i);
     return 8 + inner_bytes;
 }
 
-// The table of this file's instruction set with the mean line `average`
-// and the weighted kernel's runs done by Runs.
-template <class Runs>
+// YUV 4:2:2: bytes 0, 1 and 3 are means, byte 2 a neighbourhood value;
+// then a run of luma and chroma values while a chroma byte has its right
+// neighbour, ending on a luma byte, and the three bytes after it are means.
+// An odd stride makes the line one byte longer than the stride (read past
+// the line below, written over the next frame line's first byte, which the
+// next copy overwrites); the field and the frame still move on by the
+// stride.
+template <class Rule, class Runs = ByteRuns<Rule>>
+uintptr_t yuv_line(const uint8_t *a, uint32_t stride, uint8_t *out) {
+    const uint8_t *b = advance(a, stride);
+    out[0] = vertical_mean(a, b, 0);
+    out[1] = vertical_mean(a, b, 1);
+    out[2] = Rule::at(a, b, 2, 2);
+    out[3] = vertical_mean(a, b, 3);
+    // The last luma byte of the run: the first from byte 4 on whose chroma
+    // byte would have no right neighbour within the line's reach.
+    const uint32_t last_luma = 4 + ((stride - 7) & ~1u);
+    Runs::template fill<LumaChroma>(a, b, 4, last_luma + 1, out);
+    for (uint32_t i = last_luma + 1; i < last_luma + 4; ++i)
+        out[i] = vertical_mean(a, b, i);
+    return stride;
+}
+
+// The table of this file's instruction set with the mean line `average`,
+// the weighted kernel's runs done by WeightedRuns and the median's by
+// MedianRuns.
+template <class WeightedRuns, class MedianRuns>
 constexpr deinterlace::DeinterlaceKernels kernels_with(FillLine average) {
-    return {average, grey_line<WeightedKernel, Runs>,
-            triple_line<WeightedKernel, Runs>,
-            quad_line<WeightedKernel, Runs>};
+    return {average,
+            grey_line<WeightedKernel, WeightedRuns>,
+            triple_line<WeightedKernel, WeightedRuns>,
+            quad_line<WeightedKernel, WeightedRuns>,
+            yuv_line<WeightedKernel, WeightedRuns>,
+            grey_line<MedianOfSix, MedianRuns>,
+            triple_line<MedianOfSix, MedianRuns>,
+            quad_line<MedianOfSix, MedianRuns>,
+            yuv_line<MedianOfSix, MedianRuns>};
 }
 
 } // namespace field_lines

@@ -9,7 +9,8 @@ inline namespace ORV_ISA {
 
 constexpr deinterlace::DeinterlaceKernels deinterlace_kernels =
     field_lines::kernels_with<
-        field_lines::ByteRuns<field_lines::WeightedKernel>>(
+        field_lines::ByteRuns<field_lines::WeightedKernel>,
+        field_lines::ByteRuns<field_lines::MedianOfSix>>(
         field_lines::average_lines);
 
 } // namespace ORV_ISA

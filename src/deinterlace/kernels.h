@@ -1,12 +1,11 @@
 // The table of filled lines that have vector twins: LineAve's mean line
-// and Bilinear's Y8, 24-bit and 32-bit lines.
+// and the Y8, 24-bit, 32-bit and YUV 4:2:2 lines of Bilinear and Median.
 //
 // The plain table (kernels.cpp) is the reference. Each SIMD file builds
-// the same table with the weighted kernel's runs and the mean line done a
-// vector at a time; every entry writes exactly the bytes of the plain
-// entry, reads nothing more and returns the same step. The table for the
-// level in use is chosen once, on first use. Median's lines and the
-// YUV 4:2:2 lines are plain at every level and are not in the table.
+// the same table with the mean line and the runs of neighbourhood values
+// done a vector at a time; every entry writes exactly the bytes of the
+// plain entry, reads nothing more and returns the same step. The table for
+// the level in use is chosen once, on first use.
 #ifndef ORVANE_DEINTERLACE_KERNELS_H
 #define ORVANE_DEINTERLACE_KERNELS_H
 
@@ -19,7 +18,8 @@ namespace deinterlace {
 
 struct DeinterlaceKernels {
     FillLine average;
-    FillLine bilinear_grey, bilinear_triple, bilinear_quad;
+    FillLine bilinear_grey, bilinear_triple, bilinear_quad, bilinear_yuv;
+    FillLine median_grey, median_triple, median_quad, median_yuv;
 };
 
 // The table for the level in use.

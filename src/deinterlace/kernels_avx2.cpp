@@ -1,5 +1,5 @@
-// The AVX2 de-interlace table: the mean line and the weighted runs
-// thirty-two bytes a step.
+// The AVX2 de-interlace table: the mean line and the weighted and
+// median runs thirty-two bytes a step.
 #include "simd_lines.h"
 
 namespace orv {

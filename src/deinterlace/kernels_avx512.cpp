@@ -1,5 +1,5 @@
-// The AVX-512BW de-interlace table: the mean line and the weighted runs
-// sixty-four bytes a step.
+// The AVX-512BW de-interlace table: the mean line and the weighted and
+// median runs sixty-four bytes a step.
 #include "simd_lines.h"
 
 namespace orv {

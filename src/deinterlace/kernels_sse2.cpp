@@ -1,5 +1,5 @@
-// The SSE2 de-interlace table: the mean line and the weighted runs
-// sixteen bytes a step.
+// The SSE2 de-interlace table: the mean line and the weighted and
+// median runs sixteen bytes a step.
 #include "simd_lines.h"
 
 namespace orv {

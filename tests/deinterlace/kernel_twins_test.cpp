@@ -1,10 +1,13 @@
 // Every vector twin of a filled line against the plain line, byte for
-// byte, at every level up to the one in use: LineAve's mean line and
-// Bilinear's Y8, 24-bit and 32-bit lines. Strides 0 to 70 (every short
+// byte, at every level up to the one in use: LineAve's mean line and the
+// Y8, 24-bit, 32-bit and YUV 4:2:2 lines of Bilinear and Median; and the
+// median lines at every level against median_of_six over every order and
+// tie pattern of six values. Strides 0 to 70 (every short
 // shape, one whole vector step and the tails after it) and a few long
 // ones; the two field lines and the output end flush against an
 // inaccessible page at the last byte the plain line reads and writes, so a
 // twin that touches one byte more faults; the output starts as a pattern.
+#include "deinterlace/byte_lines.h"
 #include "deinterlace/kernels.h"
 #include "support/guarded_bytes.h"
 #include "support/kernel_levels.h"
@@ -21,8 +24,10 @@ using orv::deinterlace::FillLine;
 using Bytes = std::vector<uint8_t>;
 
 // `extent`: the bytes the line reads from each field line and writes, from
-// their starts. 32-bit lines stop at the last whole pixel; 24-bit lines
-// write two pixels of means even below a six-byte stride.
+// their starts. 32-bit lines stop at the last whole pixel (the median's
+// three pixels sooner); 24-bit lines write two pixels of means even below a
+// six-byte stride, the median's Y8 line two means below a two-byte one;
+// YUV 4:2:2 lines run one byte past an odd stride.
 struct Line {
     const char *name;
     FillLine DeinterlaceKernels::*entry;
@@ -39,6 +44,18 @@ const Line lines[] = {
      [](uint32_t s) -> size_t { return std::max(s, 6u); }},
     {"Bilinear 32-bit", &DeinterlaceKernels::bilinear_quad, 8,
      [](uint32_t s) -> size_t { return s & ~3u; }},
+    {"Bilinear YUV 4:2:2", &DeinterlaceKernels::bilinear_yuv, 8,
+     [](uint32_t s) -> size_t { return s + (s & 1u); }},
+    {"Median Y8", &DeinterlaceKernels::median_grey, 1,
+     [](uint32_t s) -> size_t { return std::max(s, 2u); }},
+    {"Median 24-bit", &DeinterlaceKernels::median_triple, 3,
+     [](uint32_t s) -> size_t { return std::max(s, 6u); }},
+    {"Median 32-bit", &DeinterlaceKernels::median_quad, 8,
+     [](uint32_t s) -> size_t {
+         return 8 + 4 * orv::field_lines::MedianOfSix::inner_pixels_32(s);
+     }},
+    {"Median YUV 4:2:2", &DeinterlaceKernels::median_yuv, 8,
+     [](uint32_t s) -> size_t { return s + (s & 1u); }},
 };
 
 std::vector<uint32_t> strides() {
@@ -66,8 +83,9 @@ struct Filled {
     uintptr_t moved;
 };
 
-// The longest field: two lines of 4097 bytes.
-constexpr size_t kRoom = 2 * 4097;
+// The longest field: a line of 4097 bytes and the 4098 a YUV 4:2:2 line
+// reads below it.
+constexpr size_t kRoom = 4097 + 4098;
 
 Filled fill(FillLine line, const Bytes &field, uint32_t stride,
             size_t extent) {
@@ -114,6 +132,39 @@ TEST(FilledLineTwins, WriteExactlyThePlainLinesBytes) {
                 }
             }
         }
+}
+
+// Every 6-tuple over {0, 1, 2, 254, 255} (every order, every tie pattern,
+// both parities of the middle pair's sum, the ends of the byte range) and
+// random tuples, laid out so that byte 3k + 1 of a Y8 line sees tuple k as
+// its neighbourhood; every inner byte of the line is checked, so the mixed
+// neighbourhoods between tuples count too.
+TEST(FilledLineTwins, MedianLinesGiveTheMedianOfSixOfEveryNeighbourhood) {
+    const uint8_t values[] = {0, 1, 2, 254, 255};
+    Bytes above, below;
+    for (uint32_t code = 0; code < 5 * 5 * 5 * 5 * 5 * 5; ++code)
+        for (uint32_t k = 0, c = code; k < 6; ++k, c /= 5)
+            (k < 3 ? above : below).push_back(values[c % 5]);
+    const Bytes noise = orv_test::random_bytes(2 * 3000, 11);
+    above.insert(above.end(), noise.begin(), noise.begin() + 3000);
+    below.insert(below.end(), noise.begin() + 3000, noise.end());
+    const uint32_t stride = static_cast<uint32_t>(above.size());
+    Bytes field = above;
+    field.insert(field.end(), below.begin(), below.end());
+
+    const auto twins = orv_test::twin_tables(by_level);
+    std::vector<const DeinterlaceKernels *> tables = {by_level[0]};
+    for (const auto &twin : twins) tables.push_back(twin.table);
+    for (const DeinterlaceKernels *table : tables) {
+        Bytes out(stride);
+        table->median_grey(field.data(), stride, out.data());
+        for (uint32_t i = 1; i + 1 < stride; ++i)
+            ASSERT_EQ(out[i], orv::field_lines::median_of_six(
+                                  above[i - 1], above[i], above[i + 1],
+                                  below[i - 1], below[i], below[i + 1]))
+                << "byte " << i << " of the table at "
+                << (table == by_level[0] ? "plain" : "a SIMD level");
+    }
 }
 
 } // namespace
