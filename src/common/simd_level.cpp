@@ -60,9 +60,17 @@ SimdLevel cap_from_environment() {
     return SimdLevel::avx512;
 }
 
+// A build with the plain kernels only runs them, whatever the CPU has.
+#if ORV_SIMD_TWINS
+constexpr bool kSimdKernelsBuilt = true;
+#else
+constexpr bool kSimdKernelsBuilt = false;
+#endif
+
 SimdLevel choose_level() {
     const SimdLevel cpu = cpu_level();
-    const SimdLevel cap = cap_from_environment();
+    const SimdLevel cap =
+        kSimdKernelsBuilt ? cap_from_environment() : SimdLevel::none;
     return cap < cpu ? cap : cpu;
 }
 
