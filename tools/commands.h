@@ -21,7 +21,7 @@ struct InputOptions {
 };
 
 // Looks the names up; UsageError for a name the tool does not know.
-InputSpec resolve_input(const InputOptions &options);
+InputDescription resolve_input(const InputOptions &options);
 
 struct ConvertOptions {
     InputOptions input;

@@ -164,29 +164,29 @@ std::vector<Job> plan_jobs(const ConvertOptions &options, FileType &type) {
 
 } // namespace
 
-InputSpec resolve_input(const InputOptions &options) {
-    InputSpec spec;
+InputDescription resolve_input(const InputOptions &options) {
+    InputDescription input;
     if (!options.format.empty())
-        spec.format = &lookup_format(options.format);
-    spec.width = options.width;
-    spec.height = options.height;
-    spec.stride = options.stride;
-    spec.bayer_method =
+        input.format = &lookup_format(options.format);
+    input.width = options.width;
+    input.height = options.height;
+    input.stride = options.stride;
+    input.bayer_method =
         lookup_name(kBayerMethods, options.bayer_method, "Bayer method");
-    spec.bayer_phase =
+    input.bayer_phase =
         lookup_name(kBayerPhases, options.bayer_phase, "Bayer phase");
-    return spec;
+    return input;
 }
 
 int run_convert(const ConvertOptions &options) {
-    InputSpec spec = resolve_input(options.input);
+    InputDescription input = resolve_input(options.input);
     FileType type = FileType::png;
     std::vector<Job> jobs = plan_jobs(options, type);
     const FormatInfo *to = target_option(options.to, type, options.output);
     auto raw = std::find_if(jobs.begin(), jobs.end(),
                             [](const Job &job) { return is_raw_input(job.in); });
     if (raw != jobs.end())
-        check_raw_spec(spec, raw->in);
+        check_raw_input(input, raw->in);
 
     unsigned threads = options.jobs ? options.jobs
                                     : std::max(1u, std::thread::hardware_concurrency());
@@ -200,7 +200,7 @@ int run_convert(const ConvertOptions &options) {
         for (size_t i = next++; i < jobs.size(); i = next++) {
             const Job &job = jobs[i];
             try {
-                Image image = read_image(job.in, spec);
+                Image image = read_image(job.in, input);
                 write_output(image, job.out, type, to, job.in);
                 pixels += image.pixels();
             } catch (const std::bad_alloc &) {
@@ -233,19 +233,19 @@ int run_convert(const ConvertOptions &options) {
 }
 
 int run_deinterlace(const DeinterlaceOptions &options) {
-    InputSpec spec = resolve_input(options.input);
+    InputDescription input = resolve_input(options.input);
     uint32_t method = lookup_name(kFieldMethods, options.method,
                                   "de-interlace method");
     uint32_t parity = lookup_name(kFieldParities, options.parity, "parity");
     FileType type = output_type(options.output);
     const FormatInfo *to = target_option(options.to, type, options.output);
     if (is_raw_input(options.in))
-        check_raw_spec(spec, options.in);
+        check_raw_input(input, options.in);
 
-    Image field = read_image(options.in, spec);
+    Image field = read_image(options.in, input);
     Image frame = frame_for(field);
     if (frame.format().family == Family::bayer)
-        frame.set_bayer(spec.bayer_method, spec.bayer_phase);
+        frame.set_bayer(input.bayer_method, input.bayer_phase);
     field_to_frame(field, frame, method, parity, options.in);
     write_output(frame, options.output, type, to, options.in);
     std::printf("%s -> %s: %u x %u %s field, %s lines, to a %u x %u frame by "

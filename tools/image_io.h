@@ -14,7 +14,7 @@ namespace orvtool {
 
 // What the command line says about an input: the geometry and format of a
 // raw dump (a PGM/PPM brings its own), and the Bayer settings of a mosaic.
-struct InputSpec {
+struct InputDescription {
     const FormatInfo *format = nullptr;
     std::optional<uint32_t> width, height, stride;
     uint32_t bayer_method = ORV_BAYER_METHOD_MED;
@@ -23,7 +23,7 @@ struct InputSpec {
 
 // Throws UsageError, naming `path`, for geometry options that cannot
 // describe a raw dump (no format, a stride shorter than the line, ...).
-void check_raw_spec(const InputSpec &spec, const std::string &path);
+void check_raw_input(const InputDescription &input, const std::string &path);
 
 // True for a path that is read as a raw dump (not .pgm/.ppm/.pnm).
 bool is_raw_input(const std::string &path);
@@ -31,7 +31,7 @@ bool is_raw_input(const std::string &path);
 // Reads `path`: a binary PGM or PPM (by its .pgm/.ppm/.pnm extension) or a
 // raw dump as OVC_FileWrite writes it (stride x height bytes). Lines are
 // repacked without padding. Throws ToolError naming the file.
-Image read_image(const std::string &path, const InputSpec &spec);
+Image read_image(const std::string &path, const InputDescription &input);
 
 enum class FileType { png, pgm, ppm, tiff, raw };
 

@@ -95,13 +95,13 @@ bool is_pnm_path(const std::string &path) {
            has_extension(path, "pnm");
 }
 
-Image read_raw(const std::string &path, const InputSpec &spec) {
-    check_raw_spec(spec, path);
-    const FormatInfo &format = *spec.format;
-    uint32_t width = *spec.width, height = *spec.height;
+Image read_raw(const std::string &path, const InputDescription &input) {
+    check_raw_input(input, path);
+    const FormatInfo &format = *input.format;
+    uint32_t width = *input.width, height = *input.height;
     check_geometry(path, width, height);
     uint64_t line = packed_line_bytes(format, width);
-    uint64_t stride = spec.stride.value_or(line);
+    uint64_t stride = input.stride.value_or(line);
     std::string what = geometry_text(width, height, format) + " at stride " +
                        std::to_string(stride);
     if (stride * height > kMaxImageBytes)
@@ -181,12 +181,12 @@ const FormatInfo &natural_format(const PnmHeader &header) {
 
 // A grey PGM can also carry a Bayer mosaic (or grey of another depth):
 // --format names the format when its samples have the file's size.
-const FormatInfo &pnm_format(const PnmHeader &header, const InputSpec &spec,
+const FormatInfo &pnm_format(const PnmHeader &header, const InputDescription &input,
                              const std::string &path) {
     const FormatInfo &natural = natural_format(header);
-    if (!spec.format || spec.format == &natural)
+    if (!input.format || input.format == &natural)
         return natural;
-    const FormatInfo &wanted = *spec.format;
+    const FormatInfo &wanted = *input.format;
     bool one_sample = wanted.family == Family::bayer ||
                       wanted.samples.channels == 1;
     if (header.colour || !one_sample ||
@@ -218,11 +218,11 @@ void store_line(const uint8_t *in, uint8_t *out, uint32_t width,
     }
 }
 
-Image read_pnm(const std::string &path, const InputSpec &spec) {
+Image read_pnm(const std::string &path, const InputDescription &input) {
     InputFile file(path);
     PnmHeader header = read_pnm_header(file, path);
     check_geometry(path, header.width, header.height);
-    const FormatInfo &format = pnm_format(header, spec, path);
+    const FormatInfo &format = pnm_format(header, input, path);
     bool wide = header.maxval > 255;
     size_t line = size_t{header.width} * (header.colour ? 3 : 1) * (wide ? 2 : 1);
     file.require(uint64_t{line} * header.height,
@@ -240,32 +240,32 @@ Image read_pnm(const std::string &path, const InputSpec &spec) {
 
 } // namespace
 
-void check_raw_spec(const InputSpec &spec, const std::string &path) {
-    if (!spec.format || !spec.width || !spec.height)
+void check_raw_input(const InputDescription &input, const std::string &path) {
+    if (!input.format || !input.width || !input.height)
         throw UsageError(path + ": a raw dump needs --format, --width and "
                                 "--height");
-    const FormatInfo &format = *spec.format;
+    const FormatInfo &format = *input.format;
     if (format.bits_per_pixel == 0)
         throw UsageError(path + ": format " + format.name +
                          " has no pixel layout to read");
     if ((format.code == ORV_FORMAT_YUV422 || format.code == ORV_FORMAT_Y12P) &&
-        *spec.width % 2 != 0)
+        *input.width % 2 != 0)
         throw UsageError(path + ": " + format.name +
                          " packs pixels in pairs: --width must be even");
-    uint64_t line = packed_line_bytes(format, *spec.width);
-    if (spec.stride && *spec.stride < line)
-        throw UsageError(path + ": --stride " + std::to_string(*spec.stride) +
+    uint64_t line = packed_line_bytes(format, *input.width);
+    if (input.stride && *input.stride < line)
+        throw UsageError(path + ": --stride " + std::to_string(*input.stride) +
                          " is smaller than a line of " +
-                         std::to_string(*spec.width) + " " + format.name +
+                         std::to_string(*input.width) + " " + format.name +
                          " pixels (" + std::to_string(line) + " bytes)");
 }
 
 bool is_raw_input(const std::string &path) { return !is_pnm_path(path); }
 
-Image read_image(const std::string &path, const InputSpec &spec) {
-    Image image = is_pnm_path(path) ? read_pnm(path, spec) : read_raw(path, spec);
+Image read_image(const std::string &path, const InputDescription &input) {
+    Image image = is_pnm_path(path) ? read_pnm(path, input) : read_raw(path, input);
     if (image.format().family == Family::bayer)
-        image.set_bayer(spec.bayer_method, spec.bayer_phase);
+        image.set_bayer(input.bayer_method, input.bayer_phase);
     return image;
 }
 
