@@ -18,6 +18,17 @@ SimdLevel simd_level();
 // "none", "sse2", "avx2" or "avx512".
 const char *simd_level_name(SimdLevel level);
 
+// The initialiser of a family's by_level array: the tables named NAME in
+// orv::plain, orv::sse2, orv::avx2 and orv::avx512, the SIMD ones only
+// where this build has them.
+#if ORV_SIMD_TWINS
+#define ORV_TABLES_BY_LEVEL(NAME)                                            \
+    {&::orv::plain::NAME, &::orv::sse2::NAME, &::orv::avx2::NAME,           \
+     &::orv::avx512::NAME}
+#else
+#define ORV_TABLES_BY_LEVEL(NAME) {&::orv::plain::NAME, nullptr, nullptr, nullptr}
+#endif
+
 // A family's kernel table for the level in use: the one of the highest
 // level at or below it that this build has (null entries are levels left
 // out of the build). by_level[0], the plain table, is always there.

@@ -48,11 +48,11 @@ struct Ops {
         _mm512_mask_storeu_epi8(p, keep, v);
     }
     // Stores the bytes of v whose bit is set in the repeating 4-byte
-    // pattern `keep4`; the others, zero in v, are never written.
+    // pattern `keep4`; the others are never written.
     static void store_bytes_of_quads(uint8_t *p, V v, unsigned keep4) {
-        uint64_t mask = 0;
-        for (unsigned q = 0; q < 16; ++q) mask |= uint64_t(keep4) << (4 * q);
-        _mm512_mask_storeu_epi8(p, mask, v);
+        uint64_t keep = 0;
+        for (unsigned q = 0; q < 16; ++q) keep |= uint64_t(keep4) << (4 * q);
+        _mm512_mask_storeu_epi8(p, keep, v);
     }
     static V bytes(const uint8_t (&table)[W]) { return load(table); }
     static V dwords(const uint32_t (&table)[W / 4]) {
@@ -132,16 +132,14 @@ struct Ops {
             _mm256_set1_epi32(static_cast<int>(n / 4)), lane);
         _mm256_maskstore_epi32(reinterpret_cast<int *>(p), keep, v);
     }
-    // AVX2 has no byte-masked store: the bytes outside `keep4`, which are
-    // zero in v, are read and written back with the value they had.
-    // Callers are told so.
+    // AVX2 has no byte-masked store: the bytes outside `keep4` are read
+    // and written back with the value they had. Callers are told so.
     static void store_bytes_of_quads(uint8_t *p, V v, unsigned keep4) {
-        uint32_t kept = 0;
+        uint32_t keep = 0;
         for (unsigned b = 0; b < 4; ++b)
-            if (!(keep4 & (1u << b))) kept |= 0xFFu << (8 * b);
-        store(p, _mm256_or_si256(v, _mm256_and_si256(
-                                        load(p), _mm256_set1_epi32(
-                                                     static_cast<int>(kept)))));
+            if (keep4 & (1u << b)) keep |= 0xFFu << (8 * b);
+        store(p, _mm256_blendv_epi8(load(p), v,
+                                    _mm256_set1_epi32(static_cast<int>(keep))));
     }
     static V bytes(const uint8_t (&table)[W]) { return load(table); }
     static V dwords(const uint32_t (&table)[W / 4]) {
@@ -239,6 +237,20 @@ struct Ops {
 };
 
 #endif
+
+// Runs `step` over whole steps of P pixels while `Room` more pixels
+// follow; returns the pixels done, which the plain row takes over from.
+template <uint32_t P, uint32_t Room = 0, class Step>
+uint32_t whole_steps(const uint8_t *src, uint8_t *dst, uint32_t width,
+                     uint32_t src_step, uint32_t dst_step, Step step) {
+    uint32_t done = 0;
+    for (; width - done >= P + Room; done += P) {
+        step(src, dst);
+        src += src_step;
+        dst += dst_step;
+    }
+    return done;
+}
 
 } // namespace simd
 } // namespace ORV_ISA

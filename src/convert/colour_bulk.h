@@ -33,6 +33,7 @@ inline namespace ORV_ISA {
 namespace colour {
 
 using simd::Ops;
+using simd::whole_steps;
 using V = Ops::V;
 constexpr uint32_t W = Ops::W;
 
@@ -180,18 +181,6 @@ inline void store_triples4(uint8_t *p, const V (&px)[4]) {
                        px[o], Ops::dwords(kCloseGroup[o].at), px[o + 1]));
 }
 
-// The three channel bytes of each 4-byte pixel, never the X byte.
-// Stored as two 32-byte halves: masked 64-byte stores are the slower on
-// some CPUs that run AVX-512 on 256-bit units.
-inline void store_without_x(uint8_t *p, V v, unsigned keep4) {
-    uint32_t keep = 0;
-    for (unsigned q = 0; q < 8; ++q) keep |= keep4 << (4 * q);
-    const __m256i zero = _mm256_setzero_si256();
-    _mm256_mask_storeu_epi8(p, keep, _mm512_mask_extracti64x4_epi64(zero, 0xF, v, 0));
-    _mm256_mask_storeu_epi8(p + 32, keep,
-                            _mm512_mask_extracti64x4_epi64(zero, 0xF, v, 1));
-}
-
 // 32-bit lanes narrowed to their low 16 bits, in memory order.
 inline V narrow32(V a, V b) {
     return _mm512_inserti64x4(_mm512_castsi256_si512(_mm512_cvtepi32_epi16(a)),
@@ -257,16 +246,6 @@ inline void store_triples4(uint8_t *p, const V (&px)[4]) {
     Ops::store(p + 2 * W, close_pair<2>(px[2], px[3]));
 }
 
-// The three channel bytes of each 4-byte pixel blended into what the
-// destination holds: the X byte is read and written back unchanged.
-inline void store_without_x(uint8_t *p, V v, unsigned keep4) {
-    uint32_t keep = 0;
-    for (unsigned b = 0; b < 4; ++b)
-        if (keep4 & (1u << b)) keep |= 0xFFu << (8 * b);
-    Ops::store(p, _mm256_blendv_epi8(Ops::load(p), v,
-                                     _mm256_set1_epi32(static_cast<int>(keep))));
-}
-
 // Only for samples below 0x8000, which the signed pack keeps as they are.
 inline V narrow32(V a, V b) {
     return _mm256_permute4x64_epi64(_mm256_packus_epi32(a, b),
@@ -286,20 +265,6 @@ inline void store_chunks(uint8_t *p, V c0, V c1, V c2) {
 
 // Pixels a step must leave after it for the overhang of its 24-bit moves.
 constexpr uint32_t kRoom24 = (kOverhang24 + 2) / 3;
-
-// Runs `step` over whole steps of P pixels while `room` more pixels
-// follow; returns the pixels done.
-template <uint32_t P, uint32_t Room, class Step>
-uint32_t whole_steps(const uint8_t *src, uint8_t *dst, uint32_t width,
-                     uint32_t src_step, uint32_t dst_step, Step step) {
-    uint32_t done = 0;
-    for (; width - done >= P + Room; done += P) {
-        step(src, dst);
-        src += src_step;
-        dst += dst_step;
-    }
-    return done;
-}
 
 // ---- Byte moves ------------------------------------------------------------
 
@@ -351,7 +316,7 @@ struct ByteMoves<SrcBytes, SR, SG, SB, ByteLayout<R, G, B, Bytes>> {
                     store_triples4(d, px);
                 else
                     for (uint32_t i = 0; i < 4; ++i)
-                        store_without_x(d + W * i, px[i],
+                        Ops::store_bytes_of_quads(d + W * i, px[i],
                                         (1u << R) | (1u << G) | (1u << B));
             });
     }
@@ -556,7 +521,7 @@ struct Writer<ToBytes<ByteLayout<R, G, B, Bytes>>> {
             store_triples(d, permute(shuffle(pixels, kSqueezeQuads),
                                      kCloseTriples));
         else
-            store_without_x(d, pixels, (1u << R) | (1u << G) | (1u << B));
+            Ops::store_bytes_of_quads(d, pixels, (1u << R) | (1u << G) | (1u << B));
     }
     template <class Src> static void put(uint8_t *d, const Planes &p) {
         const V zero = Ops::set32(0);

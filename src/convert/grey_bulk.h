@@ -21,6 +21,7 @@ inline namespace ORV_ISA {
 namespace grey {
 
 using simd::Ops;
+using simd::whole_steps;
 using V = Ops::V;
 constexpr uint32_t W = Ops::W;
 
@@ -39,19 +40,6 @@ template <class Src> V samples16(const uint8_t *src) {
 template <int N> V shift16(V v) {
     if constexpr (N >= 0) return Ops::sll16<N>(v);
     else return Ops::srl16<-N>(v);
-}
-
-// Runs `step` over whole steps of P pixels; returns the pixels done.
-template <uint32_t P, class Step>
-uint32_t whole_steps(const uint8_t *src, uint8_t *dst, uint32_t width,
-                     uint32_t src_step, uint32_t dst_step, Step step) {
-    uint32_t done = 0;
-    for (; width - done >= P; done += P) {
-        step(src, dst);
-        src += src_step;
-        dst += dst_step;
-    }
-    return done;
 }
 
 // u16 samples into one byte each.

@@ -7,14 +7,8 @@
 namespace orv {
 
 const ConvertKernels &convert_kernels_in_use() {
-#if ORV_SIMD_TWINS
-    static const ConvertKernels *const by_level[kSimdLevels] = {
-        &plain::convert_kernels, &sse2::convert_kernels,
-        &avx2::convert_kernels, &avx512::convert_kernels};
-#else
-    static const ConvertKernels *const by_level[kSimdLevels] = {
-        &plain::convert_kernels, nullptr, nullptr, nullptr};
-#endif
+    static const ConvertKernels *const by_level[kSimdLevels] =
+        ORV_TABLES_BY_LEVEL(convert_kernels);
     static const ConvertKernels &chosen = table_for_level(by_level);
     return chosen;
 }

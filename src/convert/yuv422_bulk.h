@@ -118,16 +118,14 @@ struct YuvBulk<ByteLayout<R, G, B, Bytes>> {
     using Layout = ByteLayout<R, G, B, Bytes>;
     static constexpr bool present = true;
     static uint32_t run(const uint8_t *src, uint8_t *dst, uint32_t width) {
-        uint32_t done = 0;
-        for (; width - done >= W; done += W) {
-            V pixels[4];
-            step_pixels<Layout>(src, pixels);
-            for (uint32_t k = 0; k < 4; ++k) store(dst + k * (W / 4) * Bytes,
-                                                   pixels[k]);
-            src += 2 * W;
-            dst += W * Bytes;
-        }
-        return done;
+        return simd::whole_steps<W>(src, dst, width, 2 * W, W * Bytes,
+                                    [](const uint8_t *s, uint8_t *d) {
+                                        V pixels[4];
+                                        step_pixels<Layout>(s, pixels);
+                                        for (uint32_t k = 0; k < 4; ++k)
+                                            store(d + k * (W / 4) * Bytes,
+                                                  pixels[k]);
+                                    });
     }
     static void store(uint8_t *dst, V pixels) {
         if constexpr (Bytes == 4) {

@@ -18,14 +18,8 @@ constexpr deinterlace::DeinterlaceKernels deinterlace_kernels =
 namespace deinterlace {
 
 const DeinterlaceKernels &kernels_in_use() {
-#if ORV_SIMD_TWINS
-    static const DeinterlaceKernels *const by_level[kSimdLevels] = {
-        &plain::deinterlace_kernels, &sse2::deinterlace_kernels,
-        &avx2::deinterlace_kernels, &avx512::deinterlace_kernels};
-#else
-    static const DeinterlaceKernels *const by_level[kSimdLevels] = {
-        &plain::deinterlace_kernels, nullptr, nullptr, nullptr};
-#endif
+    static const DeinterlaceKernels *const by_level[kSimdLevels] =
+        ORV_TABLES_BY_LEVEL(deinterlace_kernels);
     static const DeinterlaceKernels &chosen = table_for_level(by_level);
     return chosen;
 }

@@ -130,15 +130,8 @@ Bytes run(RowFunction row, const Bytes &src, size_t dst_size,
     return out.last(dst_size);
 }
 
-const ConvertKernels *const by_level[orv::kSimdLevels] = {
-    &orv::plain::convert_kernels,
-#if ORV_SIMD_TWINS
-    &orv::sse2::convert_kernels, &orv::avx2::convert_kernels,
-    &orv::avx512::convert_kernels,
-#else
-    nullptr, nullptr, nullptr,
-#endif
-};
+const ConvertKernels *const by_level[orv::kSimdLevels] =
+    ORV_TABLES_BY_LEVEL(convert_kernels);
 
 TEST(ConversionRowTwins, WriteExactlyThePlainRowsBytes) {
     const auto twins = orv_test::twin_tables(by_level);

@@ -96,15 +96,8 @@ Filled fill(FillLine line, const Bytes &field, uint32_t stride,
     return {out.last(extent), moved};
 }
 
-const DeinterlaceKernels *const by_level[orv::kSimdLevels] = {
-    &orv::plain::deinterlace_kernels,
-#if ORV_SIMD_TWINS
-    &orv::sse2::deinterlace_kernels, &orv::avx2::deinterlace_kernels,
-    &orv::avx512::deinterlace_kernels,
-#else
-    nullptr, nullptr, nullptr,
-#endif
-};
+const DeinterlaceKernels *const by_level[orv::kSimdLevels] =
+    ORV_TABLES_BY_LEVEL(deinterlace_kernels);
 
 TEST(FilledLineTwins, WriteExactlyThePlainLinesBytes) {
     const auto twins = orv_test::twin_tables(by_level);
