@@ -1,10 +1,9 @@
 // The byte-wise filled lines: LineAve's mean line and the Y8, 24-bit,
 // 32-bit and YUV 4:2:2 line shapes of Bilinear and Median, with the values
 // of a neighbourhood (the weighted kernel and the median of six), as plain
-// byte loops. They are
-// the reference for the vector twins (simd_lines.h) and are compiled again
-// by every SIMD file, which finishes its lines with them, so they live in
-// orv::ORV_ISA like all kernel code.
+// byte loops. They are the reference for the vector twins (simd_lines.h)
+// and are compiled again by every SIMD file, which finishes its lines with
+// them, so they live in orv::ORV_ISA like all kernel code.
 #ifndef ORVANE_DEINTERLACE_BYTE_LINES_H
 #define ORVANE_DEINTERLACE_BYTE_LINES_H
 
@@ -106,15 +105,30 @@ struct MedianOfSix {
     static constexpr uint32_t least_grey_stride = 1;
 };
 
-// How far a byte's side neighbours are. Apart<D>: D bytes for every byte.
+// How far a byte's side neighbours are, and the byte loop over a run with
+// them. Apart<D>: D bytes for every byte.
 template <uint32_t D> struct Apart {
-    static uint32_t of(uint32_t) { return D; }
+    template <class Rule>
+    static void run(const uint8_t *a, const uint8_t *b, uint32_t begin,
+                    uint32_t end, uint8_t *out) {
+        for (uint32_t i = begin; i < end; ++i) out[i] = Rule::at(a, b, i, D);
+    }
 };
 
 // YUV 4:2:2 (Y0 U Y1 V): luma, the even bytes, two bytes; chroma, the odd
-// bytes, four.
+// bytes, four. A run starts on a luma byte and goes a luma and chroma pair
+// at a time, so no byte asks which it is; a run of odd length ends on luma.
 struct LumaChroma {
-    static uint32_t of(uint32_t i) { return i & 1u ? 4u : 2u; }
+    template <class Rule>
+    static void run(const uint8_t *a, const uint8_t *b, uint32_t begin,
+                    uint32_t end, uint8_t *out) {
+        uint32_t i = begin;
+        for (; end - i >= 2; i += 2) {
+            out[i] = Rule::at(a, b, i, 2);
+            out[i + 1] = Rule::at(a, b, i + 1, 4);
+        }
+        if (i < end) out[i] = Rule::at(a, b, i, 2);
+    }
 };
 
 // The bytes [begin, end) of a line, each the rule's value of its own
@@ -124,8 +138,7 @@ template <class Rule> struct ByteRuns {
     template <class Spacing>
     static void fill(const uint8_t *a, const uint8_t *b, uint32_t begin,
                      uint32_t end, uint8_t *out) {
-        for (uint32_t i = begin; i < end; ++i)
-            out[i] = Rule::at(a, b, i, Spacing::of(i));
+        Spacing::template run<Rule>(a, b, begin, end, out);
     }
 };
 
