@@ -50,6 +50,7 @@ struct Row {
     uint32_t destination_format;
     uint32_t method; // Bayer method for Convert, field method otherwise
     std::vector<Peer> peers;
+    uint32_t phase = ORV_BAYER_PHASE_A; // of a Bayer source
 };
 
 constexpr uint32_t kNoMethod = 0;
@@ -60,9 +61,9 @@ Row convert(const char *formats, uint32_t from, uint32_t to, std::vector<Peer> p
 }
 
 Row demosaic(const char *formats, uint32_t from, uint32_t to, uint32_t method,
-             std::vector<Peer> peers) {
+             std::vector<Peer> peers, uint32_t phase = ORV_BAYER_PHASE_A) {
     return {std::string("Convert/") + formats, Routine::Convert, from, to, method,
-            std::move(peers)};
+            std::move(peers), phase};
 }
 
 Row field_to_frame(const char *format_and_method, uint32_t format, uint32_t method,
@@ -94,11 +95,46 @@ const std::vector<Row> &rows() {
                 {LIBYUV_PEER_VIA_SCRATCH(YUY2ToARGB, ARGBToRAW) OPENCV_PEER(YUV2RGB_YUY2)}),
         convert("YUV422_to_BGRX32", ORV_FORMAT_YUV422, ORV_FORMAT_BGRX32,
                 {LIBYUV_PEER(YUY2ToARGB) OPENCV_PEER(YUV2BGRA_YUY2)}),
-        demosaic("BAY8_to_BGR24_dup", ORV_FORMAT_BAY8, ORV_FORMAT_BGR24, ORV_BAYER_METHOD_DUP, {}),
-        demosaic("BAY8_to_BGR24_ave", ORV_FORMAT_BAY8, ORV_FORMAT_BGR24, ORV_BAYER_METHOD_AVE, {}),
-        demosaic("BAY8_to_BGR24_med", ORV_FORMAT_BAY8, ORV_FORMAT_BGR24, ORV_BAYER_METHOD_MED, {}),
+        // Demosaicing, phase A unless the name says otherwise. OpenCV's
+        // bilinear and edge-aware demosaicing are the peers; its 16-bit
+        // results are narrowed to 8 bits in a second pass.
+        demosaic("BAY8_to_BGR24_dup", ORV_FORMAT_BAY8, ORV_FORMAT_BGR24, ORV_BAYER_METHOD_DUP,
+                 {OPENCV_PEER(BayerBG2BGR) OPENCV_PEER(BayerBG2BGR_EA)}),
+        demosaic("BAY8_to_BGR24_ave", ORV_FORMAT_BAY8, ORV_FORMAT_BGR24, ORV_BAYER_METHOD_AVE,
+                 {OPENCV_PEER(BayerBG2BGR) OPENCV_PEER(BayerBG2BGR_EA)}),
+        demosaic("BAY8_to_BGR24_med", ORV_FORMAT_BAY8, ORV_FORMAT_BGR24, ORV_BAYER_METHOD_MED,
+                 {OPENCV_PEER(BayerBG2BGR) OPENCV_PEER(BayerBG2BGR_EA)}),
+        demosaic("BAY8_to_BGRX32_dup", ORV_FORMAT_BAY8, ORV_FORMAT_BGRX32, ORV_BAYER_METHOD_DUP,
+                 {OPENCV_PEER(BayerBG2BGRA)}),
+        demosaic("BAY8_to_BGRX32_ave", ORV_FORMAT_BAY8, ORV_FORMAT_BGRX32, ORV_BAYER_METHOD_AVE,
+                 {OPENCV_PEER(BayerBG2BGRA)}),
+        demosaic("BAY8_to_BGRX32_med", ORV_FORMAT_BAY8, ORV_FORMAT_BGRX32, ORV_BAYER_METHOD_MED,
+                 {OPENCV_PEER(BayerBG2BGRA)}),
+        demosaic("BAY12_to_BGR24_dup", ORV_FORMAT_BAY12, ORV_FORMAT_BGR24, ORV_BAYER_METHOD_DUP,
+                 {OPENCV_PEER_NARROWED(BayerBG2BGR, 4) OPENCV_PEER_NARROWED(BayerBG2BGR_EA, 4)}),
+        demosaic("BAY12_to_BGR24_ave", ORV_FORMAT_BAY12, ORV_FORMAT_BGR24, ORV_BAYER_METHOD_AVE,
+                 {OPENCV_PEER_NARROWED(BayerBG2BGR, 4) OPENCV_PEER_NARROWED(BayerBG2BGR_EA, 4)}),
+        demosaic("BAY12_to_BGR24_med", ORV_FORMAT_BAY12, ORV_FORMAT_BGR24, ORV_BAYER_METHOD_MED,
+                 {OPENCV_PEER_NARROWED(BayerBG2BGR, 4) OPENCV_PEER_NARROWED(BayerBG2BGR_EA, 4)}),
+        demosaic("BAY12_to_BGRX32_dup", ORV_FORMAT_BAY12, ORV_FORMAT_BGRX32, ORV_BAYER_METHOD_DUP,
+                 {OPENCV_PEER_NARROWED(BayerBG2BGRA, 4)}),
         demosaic("BAY12_to_BGRX32_ave", ORV_FORMAT_BAY12, ORV_FORMAT_BGRX32, ORV_BAYER_METHOD_AVE,
-                 {}),
+                 {OPENCV_PEER_NARROWED(BayerBG2BGRA, 4)}),
+        demosaic("BAY12_to_BGRX32_med", ORV_FORMAT_BAY12, ORV_FORMAT_BGRX32, ORV_BAYER_METHOD_MED,
+                 {OPENCV_PEER_NARROWED(BayerBG2BGRA, 4)}),
+        // The other phases of two rows: each should run as fast as phase A.
+        demosaic("BAY8_to_BGR24_med_B", ORV_FORMAT_BAY8, ORV_FORMAT_BGR24, ORV_BAYER_METHOD_MED,
+                 {}, ORV_BAYER_PHASE_B),
+        demosaic("BAY8_to_BGR24_med_C", ORV_FORMAT_BAY8, ORV_FORMAT_BGR24, ORV_BAYER_METHOD_MED,
+                 {}, ORV_BAYER_PHASE_C),
+        demosaic("BAY8_to_BGR24_med_D", ORV_FORMAT_BAY8, ORV_FORMAT_BGR24, ORV_BAYER_METHOD_MED,
+                 {}, ORV_BAYER_PHASE_D),
+        demosaic("BAY12_to_BGRX32_dup_B", ORV_FORMAT_BAY12, ORV_FORMAT_BGRX32,
+                 ORV_BAYER_METHOD_DUP, {}, ORV_BAYER_PHASE_B),
+        demosaic("BAY12_to_BGRX32_dup_C", ORV_FORMAT_BAY12, ORV_FORMAT_BGRX32,
+                 ORV_BAYER_METHOD_DUP, {}, ORV_BAYER_PHASE_C),
+        demosaic("BAY12_to_BGRX32_dup_D", ORV_FORMAT_BAY12, ORV_FORMAT_BGRX32,
+                 ORV_BAYER_METHOD_DUP, {}, ORV_BAYER_PHASE_D),
         field_to_frame("Y8_LineAve", ORV_FORMAT_Y8, OVC_FIELD_LINEAVE, {}),
         field_to_frame("BGRX32_Bilinear", ORV_FORMAT_BGRX32, OVC_FIELD_BILINEAR, {}),
         field_to_frame("YUV422_Median", ORV_FORMAT_YUV422, OVC_FIELD_MEDIAN, {}),
@@ -153,9 +189,8 @@ public:
         destination = OFS_BufferCreateImage(dst.data, kWidth, uint32_t(dst.height),
                                             images.destination_stride(), dst.format);
         if (row.routine == Routine::Convert && row.method != kNoMethod) {
-            const uint32_t phase = ORV_BAYER_PHASE_A;
             OFS_BufferParameterSet(source, OFS_BAYER_METHOD, &row.method);
-            OFS_BufferParameterSet(source, OFS_BAYER_PHASE, &phase);
+            OFS_BufferParameterSet(source, OFS_BAYER_PHASE, &row.phase);
         }
     }
     ~LibraryBuffers() {

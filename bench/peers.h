@@ -63,11 +63,29 @@ bool opencv_cvt_color(const PeerImages &images) {
     return destination.data == images.destination.data;
 }
 
+// A 16-bit mosaic demosaiced at 16 bits, then narrowed to the 8-bit
+// destination by a second pass that divides by 2^Shift, as a pipeline on
+// OpenCV gets 8-bit colour from a 10- to 16-bit sensor.
+template <int Code, int Shift>
+bool opencv_demosaic_then_narrow(const PeerImages &images) {
+    static thread_local cv::Mat wide; // allocated by the first call only
+    cv::cvtColor(opencv_view(images.source), wide, Code);
+    cv::Mat destination = opencv_view(images.destination);
+    wide.convertTo(destination, CV_8U, 1.0 / (1 << Shift));
+    return destination.data == images.destination.data;
+}
+
 // OPENCV_PEER(GRAY2BGRA): cv::cvtColor with cv::COLOR_GRAY2BGRA.
 #define OPENCV_PEER(code) \
     ::orv_bench::Peer{"opencv_" #code, ::orv_bench::opencv_cvt_color<cv::COLOR_##code>},
+// OPENCV_PEER_NARROWED(BayerBG2BGR, 4): that demosaic of a 16-bit mosaic,
+// then 16 bits to 8 by a shift of 4.
+#define OPENCV_PEER_NARROWED(code, shift)                                    \
+    ::orv_bench::Peer{"opencv_" #code "+convertTo",                          \
+                      ::orv_bench::opencv_demosaic_then_narrow<cv::COLOR_##code, shift>},
 #else
 #define OPENCV_PEER(code)
+#define OPENCV_PEER_NARROWED(code, shift)
 #endif
 
 #if ORV_BENCH_WITH_LIBYUV

@@ -11,6 +11,7 @@
 
 #include <orvane/bayer.h>
 
+#include "kernels.h"
 #include "../common/query.h"
 
 #include <cstdint>
@@ -56,12 +57,20 @@ struct Scale {
 
     // A full-depth value that bypasses narrowing, packed as if 8-bit.
     static Channel unscaled(uint32_t v) { return {v, v >> 3}; }
+
+    // The vector runs narrow a halved sum where the plain code narrows the
+    // sum by one bit more; the two agree unless a shift count wraps past
+    // 31 (depths 4 and 7, modulo 32), which stay on the plain path.
+    bool halving_folds_into_shifts() const {
+        return half_to8 == to8 + 1 && half_to5 == to5 + 1;
+    }
 };
 
 // ---- Sample classes -----------------------------------------------------------
 
 // BAY8: one byte per site.
 struct ByteSamples {
+    static constexpr unsigned index = 0;
     static constexpr uint32_t size = 1;
     static constexpr unsigned unit_shift = 0;
     static constexpr bool refuses(uint32_t) { return false; }
@@ -72,6 +81,7 @@ struct ByteSamples {
 // Bits above the depth are not masked. Depth 8 is refused: a byte mosaic
 // belongs to the BAY8 routines.
 struct WordSamples {
+    static constexpr unsigned index = 1;
     static constexpr uint32_t size = 2;
     static constexpr unsigned unit_shift = 1;
     static constexpr bool refuses(uint32_t depth) { return depth - 8 == 0; }
@@ -87,6 +97,7 @@ struct WordSamples {
 inline uint8_t low_byte(Channel c) { return static_cast<uint8_t>(c.value); }
 
 struct PackBgrx32 {
+    static constexpr unsigned index = 0;
     static constexpr uint32_t bytes = 4;
     static void put(uint8_t *d, Channel r, Channel g, Channel b) {
         d[0] = low_byte(b);
@@ -96,6 +107,7 @@ struct PackBgrx32 {
 };
 
 struct PackRgbx32 {
+    static constexpr unsigned index = 1;
     static constexpr uint32_t bytes = 4;
     static void put(uint8_t *d, Channel r, Channel g, Channel b) {
         d[0] = low_byte(r);
@@ -105,6 +117,7 @@ struct PackRgbx32 {
 };
 
 struct PackBgr24 {
+    static constexpr unsigned index = 2;
     static constexpr uint32_t bytes = 3;
     static void put(uint8_t *d, Channel r, Channel g, Channel b) {
         d[0] = low_byte(b);
@@ -116,6 +129,7 @@ struct PackBgr24 {
 // R in bits 11-15 (cut to 16 bits), G in bits 5-10, B in bits 0-4 taken
 // from its own unmasked five-bit field.
 struct PackRgb16 {
+    static constexpr unsigned index = 3;
     static constexpr uint32_t bytes = 2;
     static void put(uint8_t *d, Channel r, Channel g, Channel b) {
         store_u16(d, (((r.value >> 3) << 11) & 0xFFFFu) |
@@ -125,6 +139,7 @@ struct PackRgb16 {
 
 // B in bits 11-15, G in bits 5-10, R in bits 0-4 (8-bit sources only).
 struct PackBgr16 {
+    static constexpr unsigned index = 4;
     static constexpr uint32_t bytes = 2;
     static void put(uint8_t *d, Channel r, Channel g, Channel b) {
         store_u16(d, (((b.value >> 3) << 11) & 0xFFFFu) |
@@ -146,6 +161,8 @@ constexpr Colour opposite(Colour c) {
 template <Colour C, bool GreenFirst> struct LineKind {
     static constexpr Colour colour = C;
     static constexpr bool green_first = GreenFirst;
+    static constexpr unsigned index =
+        (C == Colour::blue ? 2u : 0u) + (GreenFirst ? 1u : 0u);
 };
 
 // A phase fixes the kind of the even lines; the odd lines hold the other
@@ -232,7 +249,41 @@ inline bool pair_fits(uint32_t x, uint32_t width) { return x - 1 < width - 2; }
 // produced alone; with an odd width the last pair ends on it.
 inline bool has_lone_last_column(uint32_t width) { return (width & 1) == 0; }
 
-// The member list's words, as the types that implement them.
+// The vector run of lines of kind Kind, or none (plain table, or a depth
+// whose shifts the runs do not reproduce).
+template <Method M, class Samples, class Out, class Kind>
+LineRun line_run(const BayerKernels &kernels, const Scale &scale) {
+    if (!scale.halving_folds_into_shifts()) return nullptr;
+    return kernels.run[static_cast<unsigned>(M)][Samples::index][Out::index]
+                      [Kind::index];
+}
+
+// Columns 1 to n of a line done by its run (n = 0 without one); the pair
+// loop goes on from column n + 1.
+inline uint32_t run_columns(LineRun run, const RunLines &lines, uint8_t *d) {
+    return run != nullptr ? run(lines, d) : 0;
+}
+
+inline RunLines run_lines(const uint8_t *line, const uint8_t *above,
+                          const uint8_t *below, const Image &image) {
+    return {line, above, below, image.width, image.scale.to8, image.scale.to5};
+}
+
+// A whole routine: the queries, then the method's walk over the image
+// with the kernel table of the level in use.
+template <class MethodWalk, class Samples, class Out, class P>
+ORV_STATUS demosaic(OFS_HANDLE source, OFS_HANDLE destination,
+                    uint32_t depth) {
+    Image image;
+    const ORV_STATUS status =
+        open_image<Samples, Out>(source, destination, depth, image);
+    if (status != ORV_OK) return status;
+    MethodWalk::template walk<Samples, Out, P>(image, kernels_in_use());
+    return ORV_OK;
+}
+
+// The member list's words, as the types that implement them. The methods'
+// types (DupMethod, AveMethod, MedMethod) are named by their own headers.
 namespace member_words {
 using BAY8 = ByteSamples;
 using BAYn = WordSamples;
@@ -255,13 +306,9 @@ using D = PhaseD;
 #define ORV_BAYER_DEPTH_BAY8 8u
 #define ORV_BAYER_DEPTH_BAYn depth
 
-// Defines the exported routine of one member-list row as a call of
-// TEMPLATE<samples, packer, phase>, from the method file that owns it.
-#define ORV_BAYER_DEFINE(TEMPLATE, SRC, OUT, METHOD, PHASE)                 \
-    extern "C" ORV_API ORV_BAYER_SIGNATURE(SRC, OUT, METHOD, PHASE) {       \
-        using namespace orv::bayer::member_words;                           \
-        return orv::bayer::TEMPLATE<SRC, OUT, PHASE>(                       \
-            source, destination, ORV_BAYER_DEPTH_##SRC);                    \
-    }
+// The type of a member-list method word: dup -> DupMethod, and so on.
+#define ORV_BAYER_METHOD_TYPE_dup DupMethod
+#define ORV_BAYER_METHOD_TYPE_ave AveMethod
+#define ORV_BAYER_METHOD_TYPE_med MedMethod
 
 #endif // ORVANE_BAYER_DEMOSAIC_H

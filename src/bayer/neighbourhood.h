@@ -152,19 +152,24 @@ private:
 };
 
 // One line of kind `Kind` on line edge V: column 0, the pairs (x, x + 1)
-// with x odd, then the lone last column of an even width.
+// with x odd (on inner lines the first of them by the line's vector run,
+// if it has one), then the lone last column of an even width.
 template <class Rules, class Departures, class Samples, class Out,
           class Kind, Edge V>
-void neighbourhood_line(const Window &w, uint32_t width, const Scale &scale,
+void neighbourhood_line(const Window &w, const Image &image, LineRun run,
                         uint8_t *d) {
     // Colour sites sit on the even columns unless the line starts green.
     using First = Site<Rules, Departures, Samples, Out, Kind, V, Edge::first>;
     using Inner = Site<Rules, Departures, Samples, Out, Kind, V, Edge::inner>;
     using Last = Site<Rules, Departures, Samples, Out, Kind, V, Edge::last>;
     constexpr uint32_t px = Out::bytes;
+    const uint32_t width = image.width;
+    const Scale &scale = image.scale;
+    uint32_t x = 1;
+    if constexpr (V == Edge::inner)
+        x += run_columns(run, run_lines(w.line, w.above, w.below, image), d);
     if constexpr (Kind::green_first) {
         First::green(w, 0, scale, d);
-        uint32_t x = 1;
         for (; pair_fits(x, width); x += 2) {
             Inner::colour(w, x, scale, d + uintptr_t{x} * px);
             Inner::green(w, x + 1, scale, d + uintptr_t{x} * px + px);
@@ -173,7 +178,6 @@ void neighbourhood_line(const Window &w, uint32_t width, const Scale &scale,
             Last::colour(w, width - 1, scale, d + uintptr_t{width - 1} * px);
     } else {
         First::colour(w, 0, scale, d);
-        uint32_t x = 1;
         for (; pair_fits(x, width); x += 2) {
             Inner::green(w, x, scale, d + uintptr_t{x} * px);
             Inner::colour(w, x + 1, scale, d + uintptr_t{x} * px + px);
@@ -187,18 +191,12 @@ void neighbourhood_line(const Window &w, uint32_t width, const Scale &scale,
 // alternating kinds, then the last line by the last-line rules. The last
 // line is never line 0: an image of one line (or none) still gets a
 // second line, read from and written to one stride past line 0.
-template <class Rules, class Departures, class Samples, class Out, class P>
-ORV_STATUS demosaic_neighbourhood(OFS_HANDLE source, OFS_HANDLE destination,
-                                  uint32_t depth) {
-    Image image;
-    const ORV_STATUS status =
-        open_image<Samples, Out>(source, destination, depth, image);
-    if (status != ORV_OK) return status;
-
+template <Method M, class Rules, class Departures, class Samples, class Out,
+          class P>
+void neighbourhood_walk(const Image &image, const BayerKernels &kernels) {
     using Even = typename P::even;
     using Odd = typename P::odd;
     const uint32_t width = image.width;
-    const Scale &scale = image.scale;
     const uint32_t last = image.height >= 2 ? image.height - 1 : 1;
     const uintptr_t below_shift =
         Departures::below_shifted_for_odd_width && !has_lone_last_column(width)
@@ -208,30 +206,33 @@ ORV_STATUS demosaic_neighbourhood(OFS_HANDLE source, OFS_HANDLE destination,
         return Window{image.source_line(y - 1), image.source_line(y),
                       advance(image.source_line(y + 1), below_shift)};
     };
+    const LineRun odd_run = line_run<M, Samples, Out, Odd>(kernels, image.scale);
+    const LineRun even_run =
+        line_run<M, Samples, Out, Even>(kernels, image.scale);
 
     neighbourhood_line<Rules, Departures, Samples, Out, Even, Edge::first>(
-        Window{nullptr, image.source_line(0), image.source_line(1)}, width,
-        scale, image.destination_line(0));
+        Window{nullptr, image.source_line(0), image.source_line(1)}, image,
+        nullptr, image.destination_line(0));
     uint32_t y = 1;
     for (; y + 1 < last; y += 2) {
         neighbourhood_line<Rules, Departures, Samples, Out, Odd, Edge::inner>(
-            inner_window(y), width, scale, image.destination_line(y));
+            inner_window(y), image, odd_run, image.destination_line(y));
         neighbourhood_line<Rules, Departures, Samples, Out, Even, Edge::inner>(
-            inner_window(y + 1), width, scale, image.destination_line(y + 1));
+            inner_window(y + 1), image, even_run,
+            image.destination_line(y + 1));
     }
     if (y < last) {
         neighbourhood_line<Rules, Departures, Samples, Out, Odd, Edge::inner>(
-            inner_window(y), width, scale, image.destination_line(y));
+            inner_window(y), image, odd_run, image.destination_line(y));
     }
     const Window bottom{image.source_line(last - 1), image.source_line(last),
                         nullptr};
     if (last & 1)
         neighbourhood_line<Rules, Departures, Samples, Out, Odd, Edge::last>(
-            bottom, width, scale, image.destination_line(last));
+            bottom, image, nullptr, image.destination_line(last));
     else
         neighbourhood_line<Rules, Departures, Samples, Out, Even, Edge::last>(
-            bottom, width, scale, image.destination_line(last));
-    return ORV_OK;
+            bottom, image, nullptr, image.destination_line(last));
 }
 
 } // namespace bayer

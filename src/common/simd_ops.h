@@ -83,6 +83,18 @@ struct Ops {
     template <int N> static V sll32(V v) { return _mm512_slli_epi32(v, N); }
     template <int N> static V sra32(V v) { return _mm512_srai_epi32(v, N); }
     static V madd16(V a, V b) { return _mm512_madd_epi16(a, b); }
+    static V avg16(V a, V b) { return _mm512_avg_epu16(a, b); }
+    static V min16(V a, V b) { return _mm512_min_epu16(a, b); }
+    static V max16(V a, V b) { return _mm512_max_epu16(a, b); }
+    // A right shift of 16-bit lanes by a run-time count; 16 or more
+    // clears them.
+    static V srl16_by(V v, uint32_t n) {
+        return _mm512_srl_epi16(v, _mm_cvtsi32_si128(static_cast<int>(n)));
+    }
+    // The even 16-bit lanes of `even`, the odd ones of `odd`.
+    static V blend_odd16(V even, V odd) {
+        return _mm512_mask_blend_epi16(0xAAAAAAAAu, even, odd);
+    }
     // Signed saturating pack of 32-bit lanes into 16-bit ones, lane by
     // lane: lane j holds a's lane j, then b's lane j.
     static V packs32(V a, V b) { return _mm512_packs_epi32(a, b); }
@@ -170,6 +182,15 @@ struct Ops {
     template <int N> static V sll32(V v) { return _mm256_slli_epi32(v, N); }
     template <int N> static V sra32(V v) { return _mm256_srai_epi32(v, N); }
     static V madd16(V a, V b) { return _mm256_madd_epi16(a, b); }
+    static V avg16(V a, V b) { return _mm256_avg_epu16(a, b); }
+    static V min16(V a, V b) { return _mm256_min_epu16(a, b); }
+    static V max16(V a, V b) { return _mm256_max_epu16(a, b); }
+    static V srl16_by(V v, uint32_t n) {
+        return _mm256_srl_epi16(v, _mm_cvtsi32_si128(static_cast<int>(n)));
+    }
+    static V blend_odd16(V even, V odd) {
+        return _mm256_blend_epi16(even, odd, 0xAA);
+    }
     static V packs32(V a, V b) { return _mm256_packs_epi32(a, b); }
     static V packus16(V a, V b) { return _mm256_packus_epi16(a, b); }
     static V unpacklo8(V a, V b) { return _mm256_unpacklo_epi8(a, b); }

@@ -2,16 +2,18 @@
 // colour are the mean of the middle two of four neighbours; everywhere
 // else a missing colour is a copy of one neighbour or the mean of two
 // (neighbourhood.h). The mean of two is narrowed straight from the sum.
+#ifndef ORVANE_BAYER_MED_H
+#define ORVANE_BAYER_MED_H
+
 #include "neighbourhood.h"
 
 namespace orv {
 namespace bayer {
-namespace {
 
 // Sum of the middle two of four samples, by four comparisons: order each
 // pair, then the larger of the two minima and the smaller of the maxima
 // are the second and third smallest.
-uint32_t middle_pair_sum(uint32_t a, uint32_t b, uint32_t c, uint32_t d) {
+inline uint32_t middle_pair_sum(uint32_t a, uint32_t b, uint32_t c, uint32_t d) {
     const bool ab = a < b;
     const bool cd = c < d;
     const uint32_t low_ab = ab ? a : b, high_ab = ab ? b : a;
@@ -69,22 +71,15 @@ struct MedDepartures<Samples, PackRgb16, PhaseC> : NoDepartures {
     static constexpr bool below_shifted_for_odd_width = true;
 };
 
-template <class Samples, class Out, class P>
-ORV_STATUS demosaic_med(OFS_HANDLE source, OFS_HANDLE destination,
-                        uint32_t depth) {
-    return demosaic_neighbourhood<MedRules, MedDepartures<Samples, Out, P>,
-                                  Samples, Out, P>(source, destination, depth);
-}
+struct MedMethod {
+    template <class Samples, class Out, class P>
+    static void walk(const Image &image, const BayerKernels &kernels) {
+        neighbourhood_walk<Method::med, MedRules, MedDepartures<Samples, Out, P>,
+                           Samples, Out, P>(image, kernels);
+    }
+};
 
-} // namespace
 } // namespace bayer
 } // namespace orv
 
-#define ORV_MED_MEMBER_med(SRC, OUT, PHASE)                                 \
-    ORV_BAYER_DEFINE(demosaic_med, SRC, OUT, med, PHASE)
-#define ORV_MED_MEMBER_dup(SRC, OUT, PHASE)
-#define ORV_MED_MEMBER_ave(SRC, OUT, PHASE)
-#define ORV_MED_MEMBER(SRC, OUT, METHOD, PHASE)                             \
-    ORV_MED_MEMBER_##METHOD(SRC, OUT, PHASE)
-
-ORV_BAYER_MEMBERS(ORV_MED_MEMBER)
+#endif // ORVANE_BAYER_MED_H

@@ -6,13 +6,15 @@
 // and the other colour on the partner line, each on the column of the
 // right parity, so a pixel needs only the block's even and odd column.
 // The one departure is the green of a colour site at column 0.
+#ifndef ORVANE_BAYER_DUP_H
+#define ORVANE_BAYER_DUP_H
+
 #include "demosaic.h"
 
 #include <type_traits>
 
 namespace orv {
 namespace bayer {
-namespace {
 
 // On lines y >= 1 that start with red or blue, column 0 takes its green
 // from the site above, (y - 1, 0), instead of from (y, 1).
@@ -36,11 +38,12 @@ void put_block(uint8_t *d, const Scale &scale, const uint8_t *line,
 }
 
 // One line: column 0, the pairs (x, x + 1) with x odd, whose blocks share
-// column x, and the lone last column of an even width. With
-// `green_from_above` column 0 copies its green from partner column 0.
+// column x (the first of them by the line's vector run, if it has one),
+// and the lone last column of an even width. With `green_from_above`
+// column 0 copies its green from partner column 0.
 template <class Samples, class Out, class Kind, bool GreenFromAbove>
-void dup_line(const Image &image, const uint8_t *line, const uint8_t *partner,
-              uint8_t *d) {
+void dup_line(const Image &image, LineRun run, const uint8_t *line,
+              const uint8_t *partner, uint8_t *d) {
     const Scale &scale = image.scale;
     const uint32_t width = image.width;
     if constexpr (GreenFromAbove) {
@@ -50,7 +53,7 @@ void dup_line(const Image &image, const uint8_t *line, const uint8_t *partner,
     } else {
         put_block<Samples, Out, Kind>(d, scale, line, partner, 0, 1);
     }
-    uint32_t x = 1;
+    uint32_t x = 1 + run_columns(run, run_lines(line, partner, nullptr, image), d);
     for (; pair_fits(x, width); x += 2) {
         uint8_t *pixel = d + static_cast<uintptr_t>(x) * Out::bytes;
         put_block<Samples, Out, Kind>(pixel, scale, line, partner, x - 1, x);
@@ -67,41 +70,33 @@ void dup_line(const Image &image, const uint8_t *line, const uint8_t *partner,
 // Line 0 is written before the height is looked at, its block reaching
 // line 1 even when the image has one line. Lines 1 to H - 1 follow, odd
 // and even kinds in turn, each paired with the line above.
-template <class Samples, class Out, class P>
-ORV_STATUS demosaic_dup(OFS_HANDLE source, OFS_HANDLE destination,
-                        uint32_t depth) {
-    Image image;
-    const ORV_STATUS status =
-        open_image<Samples, Out>(source, destination, depth, image);
-    if (status != ORV_OK) return status;
-
-    constexpr bool above = GreenAboveAtColumnZero<Out, P>::value;
-    using Odd = typename P::odd;
-    using Even = typename P::even;
-    dup_line<Samples, Out, Even, false>(image, image.source_line(0),
-                                        image.source_line(1),
-                                        image.destination_line(0));
-    for (uint32_t y = 1; y < image.height; y += 2) {
-        dup_line<Samples, Out, Odd, above && !Odd::green_first>(
-            image, image.source_line(y), image.source_line(y - 1),
-            image.destination_line(y));
-        if (y + 1 >= image.height) break;
-        dup_line<Samples, Out, Even, above && !Even::green_first>(
-            image, image.source_line(y + 1), image.source_line(y),
-            image.destination_line(y + 1));
+struct DupMethod {
+    template <class Samples, class Out, class P>
+    static void walk(const Image &image, const BayerKernels &kernels) {
+        constexpr bool above = GreenAboveAtColumnZero<Out, P>::value;
+        using Odd = typename P::odd;
+        using Even = typename P::even;
+        const LineRun odd_run =
+            line_run<Method::dup, Samples, Out, Odd>(kernels, image.scale);
+        const LineRun even_run =
+            line_run<Method::dup, Samples, Out, Even>(kernels, image.scale);
+        dup_line<Samples, Out, Even, false>(image, even_run,
+                                            image.source_line(0),
+                                            image.source_line(1),
+                                            image.destination_line(0));
+        for (uint32_t y = 1; y < image.height; y += 2) {
+            dup_line<Samples, Out, Odd, above && !Odd::green_first>(
+                image, odd_run, image.source_line(y), image.source_line(y - 1),
+                image.destination_line(y));
+            if (y + 1 >= image.height) break;
+            dup_line<Samples, Out, Even, above && !Even::green_first>(
+                image, even_run, image.source_line(y + 1),
+                image.source_line(y), image.destination_line(y + 1));
+        }
     }
-    return ORV_OK;
-}
+};
 
-} // namespace
 } // namespace bayer
 } // namespace orv
 
-#define ORV_DUP_MEMBER_dup(SRC, OUT, PHASE)                                 \
-    ORV_BAYER_DEFINE(demosaic_dup, SRC, OUT, dup, PHASE)
-#define ORV_DUP_MEMBER_ave(SRC, OUT, PHASE)
-#define ORV_DUP_MEMBER_med(SRC, OUT, PHASE)
-#define ORV_DUP_MEMBER(SRC, OUT, METHOD, PHASE)                             \
-    ORV_DUP_MEMBER_##METHOD(SRC, OUT, PHASE)
-
-ORV_BAYER_MEMBERS(ORV_DUP_MEMBER)
+#endif // ORVANE_BAYER_DUP_H

@@ -3,11 +3,13 @@
 // diagonally, fewer on the image's edges (neighbourhood.h). Samples are
 // summed at full depth and the mean is narrowed afterwards, never the
 // samples before it.
+#ifndef ORVANE_BAYER_AVE_H
+#define ORVANE_BAYER_AVE_H
+
 #include "neighbourhood.h"
 
 namespace orv {
 namespace bayer {
-namespace {
 
 struct AveRules {
     // Sums of 1, 2 or 4 samples; dividing by the count truncates.
@@ -39,22 +41,15 @@ struct AveDepartures<WordSamples, PackRgb16, PhaseB> : NoDepartures {
     static constexpr bool raw_column_colour_at_last_column = true;
 };
 
-template <class Samples, class Out, class P>
-ORV_STATUS demosaic_ave(OFS_HANDLE source, OFS_HANDLE destination,
-                        uint32_t depth) {
-    return demosaic_neighbourhood<AveRules, AveDepartures<Samples, Out, P>,
-                                  Samples, Out, P>(source, destination, depth);
-}
+struct AveMethod {
+    template <class Samples, class Out, class P>
+    static void walk(const Image &image, const BayerKernels &kernels) {
+        neighbourhood_walk<Method::ave, AveRules, AveDepartures<Samples, Out, P>,
+                           Samples, Out, P>(image, kernels);
+    }
+};
 
-} // namespace
 } // namespace bayer
 } // namespace orv
 
-#define ORV_AVE_MEMBER_ave(SRC, OUT, PHASE)                                 \
-    ORV_BAYER_DEFINE(demosaic_ave, SRC, OUT, ave, PHASE)
-#define ORV_AVE_MEMBER_dup(SRC, OUT, PHASE)
-#define ORV_AVE_MEMBER_med(SRC, OUT, PHASE)
-#define ORV_AVE_MEMBER(SRC, OUT, METHOD, PHASE)                             \
-    ORV_AVE_MEMBER_##METHOD(SRC, OUT, PHASE)
-
-ORV_BAYER_MEMBERS(ORV_AVE_MEMBER)
+#endif // ORVANE_BAYER_AVE_H
