@@ -1,15 +1,16 @@
 // The vector line runs of the demosaic table, written once over simd::Ops
 // and compiled by the AVX2 and AVX-512 files in their own namespaces.
 //
-// A step makes P = W / 2 pixels, one per 16-bit lane in memory order:
-// samples are loaded at columns x - 1, x and x + 1 of the lines a pixel
-// reads (bytes widened, words as they are), every lane works out both of
-// the values a site can need (those of a green site and those of a red or
-// blue site), and the lane's parity picks the pair it keeps. Steps start
-// on odd columns, like the plain pairs, so a line kind's colour sites
-// always sit on the same lane parity. The results are full-depth values,
-// narrowed by the packer exactly as the plain packers do and stored with
-// the conversions' byte-layout writers or as 16-bit words.
+// A step makes one pixel per lane, in memory order: W pixels of a byte
+// mosaic in 8-bit lanes, W / 2 of a word mosaic in 16-bit lanes. Samples
+// are loaded at columns x - 1, x and x + 1 of the lines a pixel reads,
+// every lane works out both of the values a site can need (those of a
+// green site and those of a red or blue site), and the lane's parity
+// picks the pair it keeps. Steps start on odd columns, like the plain
+// pairs, so a line kind's colour sites always sit on the same lane
+// parity. The results are full-depth values, narrowed by the packer
+// exactly as the plain packers do and stored with the conversions'
+// byte-layout writers or as 16-bit words.
 //
 // A run's columns end early enough that every sample it loads is one the
 // plain pairs read, and every byte it stores (including the overhang of
@@ -32,53 +33,61 @@ using bayer::Method;
 using bayer::RunLines;
 using simd::Ops;
 using V = Ops::V;
-constexpr uint32_t P = Ops::W / 2; // pixels a step
 
 // ---- Samples ---------------------------------------------------------------
 
-// P samples from column c on, one per 16-bit lane.
-template <bool Words> V samples_at(const uint8_t *line, uint32_t c) {
-    if constexpr (Words)
+// A step's samples in the lanes of their own width: a byte mosaic W sites
+// a step in 8-bit lanes, a word mosaic W / 2 sites in 16-bit lanes. The
+// arithmetic is the same in both (no sum is ever formed, so nothing
+// overflows a lane); only the finished values are widened for packing.
+template <bool Words> struct Lanes;
+
+template <> struct Lanes<false> {
+    static constexpr uint32_t P = Ops::W;
+    static V at(const uint8_t *line, uint32_t c) { return Ops::load(line + c); }
+    static V one() { return Ops::splat8(1); }
+    static V avg(V a, V b) { return Ops::avg8(a, b); }
+    static V sub(V a, V b) { return Ops::sub8(a, b); }
+    static V min(V a, V b) { return Ops::min8(a, b); }
+    static V max(V a, V b) { return Ops::max8(a, b); }
+    static V blend_odd(V even, V odd) { return Ops::blend_odd8(even, odd); }
+};
+
+template <> struct Lanes<true> {
+    static constexpr uint32_t P = Ops::W / 2;
+    static V at(const uint8_t *line, uint32_t c) {
         return Ops::load(line + uintptr_t{c} * 2);
-    else
-        return Ops::widen8(line + c);
-}
-
-// Truncated means of full-depth samples: sums of bytes fit a 16-bit lane,
-// sums of words do not, so words are halved pairwise with the rounding
-// carried exactly.
-template <bool Words> V mean2(V a, V b) {
-    if constexpr (Words)
-        return Ops::sub16(Ops::avg16(a, b),
-                          Ops::and_(Ops::xor_(a, b), Ops::set16(1)));
-    else
-        return Ops::srl16<1>(Ops::add16(a, b));
-}
-
-// (a + b + c + d) >> 2. For words: with h = (a + b) >> 1 and
-// k = (c + d) >> 1, the sum is 2(h + k) plus the two dropped low bits, so
-// the mean is (h + k + 1) >> 1 when both were dropped and (h + k) >> 1
-// otherwise.
-template <bool Words> V mean4(V a, V b, V c, V d) {
-    if constexpr (Words) {
-        const V one = Ops::set16(1);
-        const V h = mean2<true>(a, b), k = mean2<true>(c, d);
-        const V both_odd = Ops::and_(Ops::xor_(a, b), Ops::xor_(c, d));
-        const V round_down =
-            Ops::and_(Ops::and_(Ops::xor_(h, k), Ops::xor_(both_odd, one)), one);
-        return Ops::sub16(Ops::avg16(h, k), round_down);
-    } else {
-        return Ops::srl16<2>(
-            Ops::add16(Ops::add16(a, b), Ops::add16(c, d)));
     }
+    static V one() { return Ops::set16(1); }
+    static V avg(V a, V b) { return Ops::avg16(a, b); }
+    static V sub(V a, V b) { return Ops::sub16(a, b); }
+    static V min(V a, V b) { return Ops::min16(a, b); }
+    static V max(V a, V b) { return Ops::max16(a, b); }
+    static V blend_odd(V even, V odd) { return Ops::blend_odd16(even, odd); }
+};
+
+// (a + b) >> 1: the rounded-up average, less one where the sum is odd.
+template <class L> V mean2(V a, V b) {
+    return L::sub(L::avg(a, b), Ops::and_(Ops::xor_(a, b), L::one()));
+}
+
+// (a + b + c + d) >> 2. With h = (a + b) >> 1 and k = (c + d) >> 1 the sum
+// is 2(h + k) plus the two dropped low bits, so the mean is
+// (h + k + 1) >> 1 when both were dropped and (h + k) >> 1 otherwise.
+template <class L> V mean4(V a, V b, V c, V d) {
+    const V h = mean2<L>(a, b), k = mean2<L>(c, d);
+    const V both_odd = Ops::and_(Ops::xor_(a, b), Ops::xor_(c, d));
+    const V round_down = Ops::and_(
+        Ops::and_(Ops::xor_(h, k), Ops::xor_(both_odd, L::one())), L::one());
+    return L::sub(L::avg(h, k), round_down);
 }
 
 // The mean of the middle two of four samples, paired (a, b) and (c, d):
 // the larger of the pair minima and the smaller of the pair maxima.
-template <bool Words> V middle_mean(V a, V b, V c, V d) {
-    const V low = Ops::max16(Ops::min16(a, b), Ops::min16(c, d));
-    const V high = Ops::min16(Ops::max16(a, b), Ops::max16(c, d));
-    return mean2<Words>(low, high);
+template <class L> V middle_mean(V a, V b, V c, V d) {
+    const V low = L::max(L::min(a, b), L::min(c, d));
+    const V high = L::min(L::max(a, b), L::max(c, d));
+    return mean2<L>(low, high);
 }
 
 // ---- Packers ---------------------------------------------------------------
@@ -135,11 +144,31 @@ template <unsigned Packer>
 constexpr uint32_t kPixelBytes = Packer == 2 ? 3 : Packer <= 1 ? 4 : 2;
 
 template <unsigned Packer>
-void store_pixels(uint8_t *d, const Pixels &p, const RunLines &lines) {
+void store_planes(uint8_t *d, const Pixels &p, const RunLines &lines) {
     if constexpr (Packer >= 3)
         Store<Packer>::put(d, p, lines.to8, lines.to5);
     else
         Store<Packer>::put(d, p, lines.to8);
+}
+
+// One step's pixels from column x on, stored at pixel 0's address `d`:
+// word values are the packers' planes already, byte values are widened
+// into two of them.
+template <bool Words, unsigned Packer>
+void store_step(uint8_t *d, uint32_t x, const Pixels &p,
+                const RunLines &lines) {
+    constexpr uint32_t bytes = kPixelBytes<Packer>;
+    if constexpr (Words) {
+        store_planes<Packer>(d + uintptr_t{x} * bytes, p, lines);
+    } else {
+        Pixels low, high;
+        Ops::widen8_halves(p.r, low.r, high.r);
+        Ops::widen8_halves(p.g, low.g, high.g);
+        Ops::widen8_halves(p.b, low.b, high.b);
+        store_planes<Packer>(d + uintptr_t{x} * bytes, low, lines);
+        store_planes<Packer>(d + (uintptr_t{x} + Ops::W / 2) * bytes, high,
+                             lines);
+    }
 }
 
 // ---- Line kinds ---------------------------------------------------------------
@@ -147,14 +176,14 @@ void store_pixels(uint8_t *d, const Pixels &p, const RunLines &lines) {
 // Kind index (kernels.h): lines of red (0, 1) or blue (2, 3), starting
 // with their colour (0, 2) or with green (1, 3). Steps start on odd
 // columns, so colour sites are the even lanes when the line starts green.
-template <unsigned Kind> struct LineKindOf {
+template <unsigned Kind, class L> struct LineKindOf {
     static constexpr bool red = Kind < 2;
-    static constexpr bool colour_on_even_lanes = (Kind & 1) != 0;
+    static constexpr bool green_first = (Kind & 1) != 0;
 
     // The lane's own colour site value or green site value, by parity.
     static V pick(V at_colour, V at_green) {
-        return colour_on_even_lanes ? Ops::blend_odd16(at_colour, at_green)
-                                    : Ops::blend_odd16(at_green, at_colour);
+        return green_first ? L::blend_odd(at_colour, at_green)
+                           : L::blend_odd(at_green, at_colour);
     }
     // The line's colour, green and the other colour, as R, G, B.
     static Pixels rgb(V line_colour, V green, V other) {
@@ -167,9 +196,9 @@ template <unsigned Kind> struct LineKindOf {
 
 // The columns a run may cover: it ends (exclusive) on an odd column at or
 // before `limit` with `room` pixels to spare before the line's end, and is
-// a whole number of steps long, the last of them moved back to end there.
-// Returns the columns covered.
-template <class Step>
+// a whole number of P-pixel steps long, the last of them moved back to
+// end there. Returns the columns covered.
+template <uint32_t P, class Step>
 uint32_t steps_up_to(uint32_t limit, uint32_t room, uint32_t width,
                      Step step) {
     if (width < room + 1) return 0;
@@ -190,66 +219,61 @@ uint32_t steps_up_to(uint32_t limit, uint32_t room, uint32_t width,
 // end - 1, like the plain pairs.
 template <bool Words, unsigned Packer, unsigned Kind>
 uint32_t dup_run(const RunLines &lines, uint8_t *d) {
-    using K = LineKindOf<Kind>;
-    constexpr uint32_t bytes = kPixelBytes<Packer>;
-    return steps_up_to(lines.width, Store<Packer>::room, lines.width,
-                       [&](uint32_t x) {
-        const V line_before = samples_at<Words>(lines.line, x - 1);
-        const V line_at = samples_at<Words>(lines.line, x);
-        const V partner_before = samples_at<Words>(lines.above, x - 1);
-        const V partner_at = samples_at<Words>(lines.above, x);
-        const V line_e = Ops::blend_odd16(line_before, line_at);
-        const V line_o = Ops::blend_odd16(line_at, line_before);
-        const V partner_e = Ops::blend_odd16(partner_before, partner_at);
-        const V partner_o = Ops::blend_odd16(partner_at, partner_before);
+    using L = Lanes<Words>;
+    using K = LineKindOf<Kind, L>;
+    return steps_up_to<L::P>(lines.width, Store<Packer>::room, lines.width,
+                             [&](uint32_t x) {
+        const V line_before = L::at(lines.line, x - 1);
+        const V line_at = L::at(lines.line, x);
+        const V partner_before = L::at(lines.above, x - 1);
+        const V partner_at = L::at(lines.above, x);
+        const V line_e = L::blend_odd(line_before, line_at);
+        const V line_o = L::blend_odd(line_at, line_before);
+        const V partner_e = L::blend_odd(partner_before, partner_at);
+        const V partner_o = L::blend_odd(partner_at, partner_before);
         // Lines that start green have green on the even columns.
-        const bool green_even = (Kind & 1) != 0;
-        const V colour = green_even ? line_o : line_e;
-        const V green = green_even ? line_e : line_o;
-        const V other = green_even ? partner_e : partner_o;
-        store_pixels<Packer>(d + uintptr_t{x} * bytes, K::rgb(colour, green, other),
-                             lines);
+        const V colour = K::green_first ? line_o : line_e;
+        const V green = K::green_first ? line_e : line_o;
+        const V other = K::green_first ? partner_e : partner_o;
+        store_step<Words, Packer>(d, x, K::rgb(colour, green, other), lines);
     });
 }
 
-// The samples around P sites of a line: left, own and right on the line
+// The samples around a step's sites: left, own and right on the line
 // above, the line and the line below.
-template <bool Words> struct Around {
+template <class L> struct Around {
     V above_left, above, above_right;
     V left, own, right;
     V below_left, below, below_right;
 
     Around(const RunLines &lines, uint32_t x)
-        : above_left(samples_at<Words>(lines.above, x - 1)),
-          above(samples_at<Words>(lines.above, x)),
-          above_right(samples_at<Words>(lines.above, x + 1)),
-          left(samples_at<Words>(lines.line, x - 1)),
-          own(samples_at<Words>(lines.line, x)),
-          right(samples_at<Words>(lines.line, x + 1)),
-          below_left(samples_at<Words>(lines.below, x - 1)),
-          below(samples_at<Words>(lines.below, x)),
-          below_right(samples_at<Words>(lines.below, x + 1)) {}
+        : above_left(L::at(lines.above, x - 1)), above(L::at(lines.above, x)),
+          above_right(L::at(lines.above, x + 1)),
+          left(L::at(lines.line, x - 1)), own(L::at(lines.line, x)),
+          right(L::at(lines.line, x + 1)),
+          below_left(L::at(lines.below, x - 1)), below(L::at(lines.below, x)),
+          below_right(L::at(lines.below, x + 1)) {}
 };
 
 // The estimates at a red or blue site: ave's means of four, med's means
 // of the middle two of four.
-template <Method M, bool Words> struct Estimates;
-template <bool Words> struct Estimates<Method::ave, Words> {
-    static V green(const Around<Words> &s) {
-        return mean4<Words>(s.above, s.below, s.left, s.right);
+template <Method M, class L> struct Estimates;
+template <class L> struct Estimates<Method::ave, L> {
+    static V green(const Around<L> &s) {
+        return mean4<L>(s.above, s.below, s.left, s.right);
     }
-    static V opposite(const Around<Words> &s) {
-        return mean4<Words>(s.above_left, s.above_right, s.below_left,
-                            s.below_right);
+    static V opposite(const Around<L> &s) {
+        return mean4<L>(s.above_left, s.above_right, s.below_left,
+                        s.below_right);
     }
 };
-template <bool Words> struct Estimates<Method::med, Words> {
-    static V green(const Around<Words> &s) {
-        return middle_mean<Words>(s.above, s.left, s.below, s.right);
+template <class L> struct Estimates<Method::med, L> {
+    static V green(const Around<L> &s) {
+        return middle_mean<L>(s.above, s.left, s.below, s.right);
     }
-    static V opposite(const Around<Words> &s) {
-        return middle_mean<Words>(s.above_left, s.above_right, s.below_left,
-                                  s.below_right);
+    static V opposite(const Around<L> &s) {
+        return middle_mean<L>(s.above_left, s.above_right, s.below_left,
+                              s.below_right);
     }
 };
 
@@ -259,17 +283,17 @@ template <bool Words> struct Estimates<Method::med, Words> {
 // columns 0 to end on all three lines, which the plain pairs read too.
 template <Method M, bool Words, unsigned Packer, unsigned Kind>
 uint32_t neighbourhood_run(const RunLines &lines, uint8_t *d) {
-    using K = LineKindOf<Kind>;
-    using E = Estimates<M, Words>;
-    constexpr uint32_t bytes = kPixelBytes<Packer>;
-    return steps_up_to(lines.width - 1, Store<Packer>::room, lines.width,
-                       [&](uint32_t x) {
-        const Around<Words> s(lines, x);
-        const V line_colour = K::pick(s.own, mean2<Words>(s.left, s.right));
+    using L = Lanes<Words>;
+    using K = LineKindOf<Kind, L>;
+    using E = Estimates<M, L>;
+    return steps_up_to<L::P>(lines.width - 1, Store<Packer>::room,
+                             lines.width, [&](uint32_t x) {
+        const Around<L> s(lines, x);
+        const V line_colour = K::pick(s.own, mean2<L>(s.left, s.right));
         const V green = K::pick(E::green(s), s.own);
-        const V other = K::pick(E::opposite(s), mean2<Words>(s.above, s.below));
-        store_pixels<Packer>(d + uintptr_t{x} * bytes,
-                             K::rgb(line_colour, green, other), lines);
+        const V other = K::pick(E::opposite(s), mean2<L>(s.above, s.below));
+        store_step<Words, Packer>(d, x, K::rgb(line_colour, green, other),
+                                  lines);
     });
 }
 

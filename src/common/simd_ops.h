@@ -95,6 +95,16 @@ struct Ops {
     static V blend_odd16(V even, V odd) {
         return _mm512_mask_blend_epi16(0xAAAAAAAAu, even, odd);
     }
+    // The even bytes of `even`, the odd ones of `odd`.
+    static V blend_odd8(V even, V odd) {
+        return _mm512_mask_blend_epi8(0xAAAAAAAAAAAAAAAAull, even, odd);
+    }
+    // The bytes of v zero-extended into 16-bit lanes: the first W / 2
+    // into `low`, the rest into `high`, in memory order.
+    static void widen8_halves(V v, V &low, V &high) {
+        low = _mm512_cvtepu8_epi16(_mm512_castsi512_si256(v));
+        high = _mm512_cvtepu8_epi16(_mm512_extracti64x4_epi64(v, 1));
+    }
     // Signed saturating pack of 32-bit lanes into 16-bit ones, lane by
     // lane: lane j holds a's lane j, then b's lane j.
     static V packs32(V a, V b) { return _mm512_packs_epi32(a, b); }
@@ -190,6 +200,14 @@ struct Ops {
     }
     static V blend_odd16(V even, V odd) {
         return _mm256_blend_epi16(even, odd, 0xAA);
+    }
+    static V blend_odd8(V even, V odd) {
+        return _mm256_blendv_epi8(even, odd, _mm256_set1_epi16(
+                                                 static_cast<short>(0xFF00)));
+    }
+    static void widen8_halves(V v, V &low, V &high) {
+        low = _mm256_cvtepu8_epi16(_mm256_castsi256_si128(v));
+        high = _mm256_cvtepu8_epi16(_mm256_extracti128_si256(v, 1));
     }
     static V packs32(V a, V b) { return _mm256_packs_epi32(a, b); }
     static V packus16(V a, V b) { return _mm256_packus_epi16(a, b); }
