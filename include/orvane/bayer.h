@@ -20,7 +20,11 @@
  * nothing written, when either buffer is not valid or, for BAYn, when the
  * depth is 8. Nothing else is checked: callers pass a width of at least 2
  * (and, for ave and med, a height of at least 2, or room for a second
- * line). The fourth byte of every BGRX32 and RGBX32 pixel is never written.
+ * line). The fourth byte of every BGRX32 and RGBX32 pixel keeps its value.
+ * When the library runs at the AVX2 level (orvane/version.h), the BGRX32
+ * and RGBX32 routines read that byte and write the same value back over
+ * most of each line, so no other thread may write those bytes during the
+ * call; every other level never touches them.
  *
  * Reads beyond the image, which the source buffer must allow: line 0 always
  * takes colours from line 1, so a one-line image reads one source stride
