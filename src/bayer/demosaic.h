@@ -3,9 +3,11 @@
 // channel, the five output packers, the colour phases as pairs of line
 // kinds, the buffer queries, and the addressing of lines.
 //
-// A method (dup.cpp, ave.cpp, med.cpp) is one template over the sample
+// A method (dup.h, ave.h, med.h) is one walk template over the sample
 // class, the packer and the phase; it decides which line kind and which
 // column kind run where, so its pixel loops test nothing but their bound.
+// The inner stretch of a line may be done by a vector run from the kernel
+// table (kernels.h); members.cpp defines the 81 routines.
 #ifndef ORVANE_BAYER_DEMOSAIC_H
 #define ORVANE_BAYER_DEMOSAIC_H
 

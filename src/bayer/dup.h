@@ -17,7 +17,8 @@ namespace orv {
 namespace bayer {
 
 // On lines y >= 1 that start with red or blue, column 0 takes its green
-// from the site above, (y - 1, 0), instead of from (y, 1).
+// from the site above, (y - 1, 0), instead of from (y, 1). Vector runs
+// start at column 1: column 0 stays plain.
 template <class Out, class P> struct GreenAboveAtColumnZero : std::true_type {};
 // Phase B never does: its B/G lines take green from (y, 1).
 template <class Out> struct GreenAboveAtColumnZero<Out, PhaseB> : std::false_type {};

@@ -32,18 +32,23 @@ enum class Edge { first, inner, last };
 constexpr unsigned neighbours(Edge e) { return e == Edge::inner ? 2 : 1; }
 
 // Quirks of single members, all off by default. Each member that departs
-// from the common rule names its own set (ave.cpp, med.cpp).
+// from the common rule names its own set (ave.h, med.h). Each says how
+// the vector runs (simd_runs.h) keep it.
 struct NoDepartures {
     // Inner lines, green sites of the last column (even width): the
     // column colour is the unnarrowed mean of above and below.
+    // Vector runs: never reach the last column; it stays plain.
     static constexpr bool raw_column_colour_at_last_column = false;
     // Inner lines, green sites of column 0: the same, for column 0.
+    // Vector runs: start at column 1; column 0 stays plain.
     static constexpr bool raw_column_colour_at_first_column = false;
     // Line 0, red or blue site of the last column (even width): green
     // averages left with below-right, one past the end of the line below.
+    // Vector runs: line 0 of ave and med stays plain.
     static constexpr bool top_right_green_from_below_right = false;
     // Odd widths, inner lines: the line below is read one column to the
     // right of the site.
+    // Vector runs: the same template, handed the shifted line below.
     static constexpr bool below_shifted_for_odd_width = false;
 };
 
