@@ -32,7 +32,8 @@
  * each line, and the RGB16 med_C routines read up to two samples past the
  * line below.
  *
- * The list of routines is orvane/bayer_members.h.
+ * Every routine is declared below; orvane/bayer_members.h lists the same
+ * routines as a macro, for code that wants to iterate over them.
  */
 #ifndef ORVANE_BAYER_H
 #define ORVANE_BAYER_H
@@ -40,21 +41,190 @@
 #include <orvane/types.h>
 #include <orvane/bayer_members.h>
 
+/* The name and argument list of one routine of the member list, for the
+ * library's definitions. */
 #define ORV_BAYER_ARGUMENTS_BAY8 (OFS_HANDLE source, OFS_HANDLE destination)
 #define ORV_BAYER_ARGUMENTS_BAYn \
     (OFS_HANDLE source, OFS_HANDLE destination, uint32_t depth)
-
-/* The name and argument list of one demosaic routine. */
 #define ORV_BAYER_SIGNATURE(SRC, OUT, METHOD, PHASE)                        \
     ORV_STATUS OVC_##SRC##_to_##OUT##_##METHOD##_##PHASE                    \
         ORV_BAYER_ARGUMENTS_##SRC
 
 ORV_EXTERN_C_BEGIN
 
-#define ORV_BAYER_DECLARE(SRC, OUT, METHOD, PHASE)                          \
-    ORV_API ORV_BAYER_SIGNATURE(SRC, OUT, METHOD, PHASE);
-ORV_BAYER_MEMBERS(ORV_BAYER_DECLARE)
-#undef ORV_BAYER_DECLARE
+/* 8-bit mosaics, dup */
+ORV_API ORV_STATUS OVC_BAY8_to_BGRX32_dup_A(OFS_HANDLE source,
+    OFS_HANDLE destination);
+ORV_API ORV_STATUS OVC_BAY8_to_BGRX32_dup_B(OFS_HANDLE source,
+    OFS_HANDLE destination);
+ORV_API ORV_STATUS OVC_BAY8_to_BGRX32_dup_C(OFS_HANDLE source,
+    OFS_HANDLE destination);
+ORV_API ORV_STATUS OVC_BAY8_to_BGRX32_dup_D(OFS_HANDLE source,
+    OFS_HANDLE destination);
+ORV_API ORV_STATUS OVC_BAY8_to_BGR24_dup_A(OFS_HANDLE source,
+    OFS_HANDLE destination);
+ORV_API ORV_STATUS OVC_BAY8_to_BGR24_dup_B(OFS_HANDLE source,
+    OFS_HANDLE destination);
+ORV_API ORV_STATUS OVC_BAY8_to_BGR24_dup_C(OFS_HANDLE source,
+    OFS_HANDLE destination);
+ORV_API ORV_STATUS OVC_BAY8_to_BGR24_dup_D(OFS_HANDLE source,
+    OFS_HANDLE destination);
+ORV_API ORV_STATUS OVC_BAY8_to_RGB16_dup_A(OFS_HANDLE source,
+    OFS_HANDLE destination);
+ORV_API ORV_STATUS OVC_BAY8_to_RGB16_dup_B(OFS_HANDLE source,
+    OFS_HANDLE destination);
+ORV_API ORV_STATUS OVC_BAY8_to_RGB16_dup_C(OFS_HANDLE source,
+    OFS_HANDLE destination);
+ORV_API ORV_STATUS OVC_BAY8_to_RGB16_dup_D(OFS_HANDLE source,
+    OFS_HANDLE destination);
+ORV_API ORV_STATUS OVC_BAY8_to_RGBX32_dup_A(OFS_HANDLE source,
+    OFS_HANDLE destination);
+ORV_API ORV_STATUS OVC_BAY8_to_RGBX32_dup_B(OFS_HANDLE source,
+    OFS_HANDLE destination);
+ORV_API ORV_STATUS OVC_BAY8_to_RGBX32_dup_C(OFS_HANDLE source,
+    OFS_HANDLE destination);
+ORV_API ORV_STATUS OVC_BAY8_to_RGBX32_dup_D(OFS_HANDLE source,
+    OFS_HANDLE destination);
+ORV_API ORV_STATUS OVC_BAY8_to_BGR16_dup_A(OFS_HANDLE source,
+    OFS_HANDLE destination);
+
+/* 8-bit mosaics, ave */
+ORV_API ORV_STATUS OVC_BAY8_to_BGRX32_ave_A(OFS_HANDLE source,
+    OFS_HANDLE destination);
+ORV_API ORV_STATUS OVC_BAY8_to_BGRX32_ave_B(OFS_HANDLE source,
+    OFS_HANDLE destination);
+ORV_API ORV_STATUS OVC_BAY8_to_BGRX32_ave_C(OFS_HANDLE source,
+    OFS_HANDLE destination);
+ORV_API ORV_STATUS OVC_BAY8_to_BGRX32_ave_D(OFS_HANDLE source,
+    OFS_HANDLE destination);
+ORV_API ORV_STATUS OVC_BAY8_to_BGR24_ave_A(OFS_HANDLE source,
+    OFS_HANDLE destination);
+ORV_API ORV_STATUS OVC_BAY8_to_BGR24_ave_B(OFS_HANDLE source,
+    OFS_HANDLE destination);
+ORV_API ORV_STATUS OVC_BAY8_to_BGR24_ave_C(OFS_HANDLE source,
+    OFS_HANDLE destination);
+ORV_API ORV_STATUS OVC_BAY8_to_BGR24_ave_D(OFS_HANDLE source,
+    OFS_HANDLE destination);
+ORV_API ORV_STATUS OVC_BAY8_to_RGB16_ave_A(OFS_HANDLE source,
+    OFS_HANDLE destination);
+ORV_API ORV_STATUS OVC_BAY8_to_RGB16_ave_B(OFS_HANDLE source,
+    OFS_HANDLE destination);
+ORV_API ORV_STATUS OVC_BAY8_to_RGB16_ave_C(OFS_HANDLE source,
+    OFS_HANDLE destination);
+ORV_API ORV_STATUS OVC_BAY8_to_RGB16_ave_D(OFS_HANDLE source,
+    OFS_HANDLE destination);
+
+/* 8-bit mosaics, med */
+ORV_API ORV_STATUS OVC_BAY8_to_BGRX32_med_A(OFS_HANDLE source,
+    OFS_HANDLE destination);
+ORV_API ORV_STATUS OVC_BAY8_to_BGRX32_med_B(OFS_HANDLE source,
+    OFS_HANDLE destination);
+ORV_API ORV_STATUS OVC_BAY8_to_BGRX32_med_C(OFS_HANDLE source,
+    OFS_HANDLE destination);
+ORV_API ORV_STATUS OVC_BAY8_to_BGRX32_med_D(OFS_HANDLE source,
+    OFS_HANDLE destination);
+ORV_API ORV_STATUS OVC_BAY8_to_BGR24_med_A(OFS_HANDLE source,
+    OFS_HANDLE destination);
+ORV_API ORV_STATUS OVC_BAY8_to_BGR24_med_B(OFS_HANDLE source,
+    OFS_HANDLE destination);
+ORV_API ORV_STATUS OVC_BAY8_to_BGR24_med_C(OFS_HANDLE source,
+    OFS_HANDLE destination);
+ORV_API ORV_STATUS OVC_BAY8_to_BGR24_med_D(OFS_HANDLE source,
+    OFS_HANDLE destination);
+ORV_API ORV_STATUS OVC_BAY8_to_RGB16_med_A(OFS_HANDLE source,
+    OFS_HANDLE destination);
+ORV_API ORV_STATUS OVC_BAY8_to_RGB16_med_B(OFS_HANDLE source,
+    OFS_HANDLE destination);
+ORV_API ORV_STATUS OVC_BAY8_to_RGB16_med_C(OFS_HANDLE source,
+    OFS_HANDLE destination);
+ORV_API ORV_STATUS OVC_BAY8_to_RGB16_med_D(OFS_HANDLE source,
+    OFS_HANDLE destination);
+
+/* n-bit mosaics, dup */
+ORV_API ORV_STATUS OVC_BAYn_to_BGRX32_dup_A(OFS_HANDLE source,
+    OFS_HANDLE destination, uint32_t depth);
+ORV_API ORV_STATUS OVC_BAYn_to_BGRX32_dup_B(OFS_HANDLE source,
+    OFS_HANDLE destination, uint32_t depth);
+ORV_API ORV_STATUS OVC_BAYn_to_BGRX32_dup_C(OFS_HANDLE source,
+    OFS_HANDLE destination, uint32_t depth);
+ORV_API ORV_STATUS OVC_BAYn_to_BGRX32_dup_D(OFS_HANDLE source,
+    OFS_HANDLE destination, uint32_t depth);
+ORV_API ORV_STATUS OVC_BAYn_to_BGR24_dup_A(OFS_HANDLE source,
+    OFS_HANDLE destination, uint32_t depth);
+ORV_API ORV_STATUS OVC_BAYn_to_BGR24_dup_B(OFS_HANDLE source,
+    OFS_HANDLE destination, uint32_t depth);
+ORV_API ORV_STATUS OVC_BAYn_to_BGR24_dup_C(OFS_HANDLE source,
+    OFS_HANDLE destination, uint32_t depth);
+ORV_API ORV_STATUS OVC_BAYn_to_BGR24_dup_D(OFS_HANDLE source,
+    OFS_HANDLE destination, uint32_t depth);
+ORV_API ORV_STATUS OVC_BAYn_to_RGB16_dup_A(OFS_HANDLE source,
+    OFS_HANDLE destination, uint32_t depth);
+ORV_API ORV_STATUS OVC_BAYn_to_RGB16_dup_B(OFS_HANDLE source,
+    OFS_HANDLE destination, uint32_t depth);
+ORV_API ORV_STATUS OVC_BAYn_to_RGB16_dup_C(OFS_HANDLE source,
+    OFS_HANDLE destination, uint32_t depth);
+ORV_API ORV_STATUS OVC_BAYn_to_RGB16_dup_D(OFS_HANDLE source,
+    OFS_HANDLE destination, uint32_t depth);
+ORV_API ORV_STATUS OVC_BAYn_to_RGBX32_dup_A(OFS_HANDLE source,
+    OFS_HANDLE destination, uint32_t depth);
+ORV_API ORV_STATUS OVC_BAYn_to_RGBX32_dup_B(OFS_HANDLE source,
+    OFS_HANDLE destination, uint32_t depth);
+ORV_API ORV_STATUS OVC_BAYn_to_RGBX32_dup_C(OFS_HANDLE source,
+    OFS_HANDLE destination, uint32_t depth);
+ORV_API ORV_STATUS OVC_BAYn_to_RGBX32_dup_D(OFS_HANDLE source,
+    OFS_HANDLE destination, uint32_t depth);
+
+/* n-bit mosaics, ave */
+ORV_API ORV_STATUS OVC_BAYn_to_BGRX32_ave_A(OFS_HANDLE source,
+    OFS_HANDLE destination, uint32_t depth);
+ORV_API ORV_STATUS OVC_BAYn_to_BGRX32_ave_B(OFS_HANDLE source,
+    OFS_HANDLE destination, uint32_t depth);
+ORV_API ORV_STATUS OVC_BAYn_to_BGRX32_ave_C(OFS_HANDLE source,
+    OFS_HANDLE destination, uint32_t depth);
+ORV_API ORV_STATUS OVC_BAYn_to_BGRX32_ave_D(OFS_HANDLE source,
+    OFS_HANDLE destination, uint32_t depth);
+ORV_API ORV_STATUS OVC_BAYn_to_BGR24_ave_A(OFS_HANDLE source,
+    OFS_HANDLE destination, uint32_t depth);
+ORV_API ORV_STATUS OVC_BAYn_to_BGR24_ave_B(OFS_HANDLE source,
+    OFS_HANDLE destination, uint32_t depth);
+ORV_API ORV_STATUS OVC_BAYn_to_BGR24_ave_C(OFS_HANDLE source,
+    OFS_HANDLE destination, uint32_t depth);
+ORV_API ORV_STATUS OVC_BAYn_to_BGR24_ave_D(OFS_HANDLE source,
+    OFS_HANDLE destination, uint32_t depth);
+ORV_API ORV_STATUS OVC_BAYn_to_RGB16_ave_A(OFS_HANDLE source,
+    OFS_HANDLE destination, uint32_t depth);
+ORV_API ORV_STATUS OVC_BAYn_to_RGB16_ave_B(OFS_HANDLE source,
+    OFS_HANDLE destination, uint32_t depth);
+ORV_API ORV_STATUS OVC_BAYn_to_RGB16_ave_C(OFS_HANDLE source,
+    OFS_HANDLE destination, uint32_t depth);
+ORV_API ORV_STATUS OVC_BAYn_to_RGB16_ave_D(OFS_HANDLE source,
+    OFS_HANDLE destination, uint32_t depth);
+
+/* n-bit mosaics, med */
+ORV_API ORV_STATUS OVC_BAYn_to_BGRX32_med_A(OFS_HANDLE source,
+    OFS_HANDLE destination, uint32_t depth);
+ORV_API ORV_STATUS OVC_BAYn_to_BGRX32_med_B(OFS_HANDLE source,
+    OFS_HANDLE destination, uint32_t depth);
+ORV_API ORV_STATUS OVC_BAYn_to_BGRX32_med_C(OFS_HANDLE source,
+    OFS_HANDLE destination, uint32_t depth);
+ORV_API ORV_STATUS OVC_BAYn_to_BGRX32_med_D(OFS_HANDLE source,
+    OFS_HANDLE destination, uint32_t depth);
+ORV_API ORV_STATUS OVC_BAYn_to_BGR24_med_A(OFS_HANDLE source,
+    OFS_HANDLE destination, uint32_t depth);
+ORV_API ORV_STATUS OVC_BAYn_to_BGR24_med_B(OFS_HANDLE source,
+    OFS_HANDLE destination, uint32_t depth);
+ORV_API ORV_STATUS OVC_BAYn_to_BGR24_med_C(OFS_HANDLE source,
+    OFS_HANDLE destination, uint32_t depth);
+ORV_API ORV_STATUS OVC_BAYn_to_BGR24_med_D(OFS_HANDLE source,
+    OFS_HANDLE destination, uint32_t depth);
+ORV_API ORV_STATUS OVC_BAYn_to_RGB16_med_A(OFS_HANDLE source,
+    OFS_HANDLE destination, uint32_t depth);
+ORV_API ORV_STATUS OVC_BAYn_to_RGB16_med_B(OFS_HANDLE source,
+    OFS_HANDLE destination, uint32_t depth);
+ORV_API ORV_STATUS OVC_BAYn_to_RGB16_med_C(OFS_HANDLE source,
+    OFS_HANDLE destination, uint32_t depth);
+ORV_API ORV_STATUS OVC_BAYn_to_RGB16_med_D(OFS_HANDLE source,
+    OFS_HANDLE destination, uint32_t depth);
 
 ORV_EXTERN_C_END
 

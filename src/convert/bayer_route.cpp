@@ -2,13 +2,13 @@
 // hold the demosaiced image, then calls the one demosaic routine named by
 // the source's method and phase and the destination's format.
 //
-// What each output offers is exactly the list of demosaic routines
-// (orvane/bayer_members.h): a method or phase with no routine there is
-// not implemented. The routine's own status is not passed on; once it has
+// What each output offers is exactly the table of demosaic routines
+// (bayer/member_table.h): a method or phase with no routine there is not
+// implemented. The routine's own status is not passed on; once it has
 // been called the conversion reports success.
-#include <orvane/bayer.h>
-
 #include "frame.h"
+
+#include "../bayer/member_table.h"
 
 namespace orv {
 namespace {
@@ -43,31 +43,6 @@ uint32_t bayer_depth(uint32_t source_format) {
     }
 }
 
-constexpr uint32_t method_dup = ORV_BAYER_METHOD_DUP;
-constexpr uint32_t method_ave = ORV_BAYER_METHOD_AVE;
-constexpr uint32_t method_med = ORV_BAYER_METHOD_MED;
-
-#define ORV_ROUTE_ARGUMENTS_BAY8 (source, destination)
-#define ORV_ROUTE_ARGUMENTS_BAYn (source, destination, depth)
-
-// Calls the routine of the member list that matches, if there is one.
-#define ORV_ROUTE_MEMBER(SRC, OUT, METHOD, PHASE)                           \
-    if (source_class == SourceClass::SRC &&                                 \
-        output == (ORV_FORMAT_##OUT & 0xFFu) && method == method_##METHOD && \
-        phase == ORV_BAYER_PHASE_##PHASE) {                                 \
-        OVC_##SRC##_to_##OUT##_##METHOD##_##PHASE ORV_ROUTE_ARGUMENTS_##SRC; \
-        return true;                                                        \
-    }
-
-bool call_demosaic(SourceClass source_class, uint32_t output, uint32_t method,
-                   uint32_t phase, OFS_HANDLE source, OFS_HANDLE destination,
-                   uint32_t depth) {
-    ORV_BAYER_MEMBERS(ORV_ROUTE_MEMBER)
-    return false;
-}
-
-#undef ORV_ROUTE_MEMBER
-
 } // namespace
 
 ORV_STATUS convert_from_bayer(const ConversionJob &job, uint32_t key,
@@ -81,9 +56,11 @@ ORV_STATUS convert_from_bayer(const ConversionJob &job, uint32_t key,
     if (!bayer_capacity(source_class, output, capacity))
         return ORV_ERROR_NOT_SUPPORTED;
     if (destination_too_small(job, capacity)) return ORV_ERROR_BAD_PARAM;
-    if (!call_demosaic(source_class, output, job.bayer_method, job.bayer_phase,
-                       source, destination, bayer_depth(source_format)))
-        return ORV_ERROR_NOT_IMPLEMENTED;
+    const bayer::DemosaicMember *member =
+        bayer::find_member(source_class == SourceClass::BAYn, output,
+                           job.bayer_method, job.bayer_phase);
+    if (member == nullptr) return ORV_ERROR_NOT_IMPLEMENTED;
+    member->call(source, destination, bayer_depth(source_format));
     return ORV_OK;
 }
 
