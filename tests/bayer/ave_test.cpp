@@ -2,31 +2,11 @@
 // their border divisors, the read past each line of an odd width, the
 // second line written for a one-line image and the unshifted red of
 // OVC_BAYn_to_RGB16_ave_B.
-#include "bayer/harness.h"
+#include "bayer/render.h"
 
 namespace {
 
 using namespace bayer_test;
-using bayer_model::Method;
-using bayer_model::Output;
-using bayer_model::Phase;
-using bayer_model::Source;
-
-TEST(BayerAve, EveryMemberMatchesTheModelOnRandomImages) {
-    check_random_images(Method::ave);
-}
-
-TEST(BayerAve, FlatImagesGiveTheScaledSampleEverywhere) {
-    // The red of the last column of the inner B/G lines of an even width
-    // is packed unshifted by OVC_BAYn_to_RGB16_ave_B.
-    check_flat_images(Method::ave, [](const Member &m, uint32_t w, uint32_t h, uint32_t y,
-                                      uint32_t x) -> unsigned {
-        const auto &k = m.kind;
-        const bool red_unshifted = k.source == Source::BAYn && k.output == Output::RGB16 &&
-                                   k.phase == Phase::B && x == w - 1 && y % 2 == 1 && y + 1 < h;
-        return red_unshifted ? 1 : 0;
-    });
-}
 
 // Single sites of the text-book cases, each read from one member's output.
 TEST(BayerAve, NamedSites) {
@@ -64,7 +44,7 @@ TEST(BayerAve, NamedSites) {
         std::vector<uint32_t> s(c.width * (c.height + 1));
         for (size_t i = 0; i < c.samples.size(); i += 3)
             s[c.samples[i] * c.width + c.samples[i + 1]] = c.samples[i + 2];
-        const Member &m = member(c.member);
+        const DemosaicMember &m = member(c.member);
         const Rendered p = pixel(render(m, c.width, c.height, s, c.depth), m, c.width, c.y, c.x);
         const uint8_t got[] = {p.red, p.green, p.blue};
         EXPECT_EQ(got[c.channel], c.expected) << c.what;
@@ -76,18 +56,18 @@ TEST(BayerAve, NamedSites) {
 TEST(BayerAve, RGB16PhaseBLastColumnRedIsUnshifted) {
     std::vector<uint32_t> s(6 * 4);
     s[0 * 6 + 5] = 256; // above (1,5); below it stays 0
-    const Member &b = member("OVC_BAYn_to_RGB16_ave_B");
+    const DemosaicMember &b = member("OVC_BAYn_to_RGB16_ave_B");
     EXPECT_EQ(pixel(render(b, 6, 4, s, 12), b, 6, 1, 5).word >> 11, 16);
     s[0 * 6 + 5] = 0;
     s[0 * 6 + 4] = 256; // above the blue-line green (1,4) of phase A, col 4
-    const Member &a = member("OVC_BAYn_to_RGB16_ave_A");
+    const DemosaicMember &a = member("OVC_BAYn_to_RGB16_ave_A");
     EXPECT_EQ(pixel(render(a, 6, 4, s, 12), a, 6, 1, 4).word >> 11, 1);
 }
 
 // A one-line image gets a second line from the source line below; a
 // two-by-two image needs nothing special.
 TEST(BayerAve, TwoByTwoAndOneLine) {
-    const Member &m = member("OVC_BAY8_to_BGRX32_ave_A");
+    const DemosaicMember &m = member("OVC_BAY8_to_BGRX32_ave_A");
     for (uint32_t h : {1u, 2u}) {
         const std::vector<uint8_t> d = render(m, 2, h, {0x00, 0x01, 0x10, 0x11});
         ASSERT_EQ(d.size(), 16u) << "height " << h;

@@ -1,32 +1,11 @@
 // The med routines: median of four at inner red and blue sites, two-sample
 // means and copies elsewhere, and the quirks of the phase-B and phase-C
 // routines.
-#include "bayer/harness.h"
+#include "bayer/render.h"
 
 namespace {
 
 using namespace bayer_test;
-using bayer_model::Method;
-using bayer_model::Output;
-using bayer_model::Phase;
-using bayer_model::Source;
-
-TEST(BayerMed, EveryMemberMatchesTheModelOnRandomImages) {
-    check_random_images(Method::med);
-}
-
-TEST(BayerMed, FlatImagesGiveTheScaledSampleEverywhere) {
-    // The n-bit BGRX32 and BGR24 routines of phase B pack the blue of
-    // column 0 of the inner G/R lines unshifted.
-    check_flat_images(Method::med, [](const Member &m, uint32_t, uint32_t h, uint32_t y,
-                                      uint32_t x) -> unsigned {
-        const auto &k = m.kind;
-        const bool blue_unshifted = k.source == Source::BAYn && k.output != Output::RGB16 &&
-                                    k.phase == Phase::B && x == 0 && y % 2 == 0 && y > 0 &&
-                                    y + 1 < h;
-        return blue_unshifted ? 4 : 0;
-    });
-}
 
 enum Channel { kRed, kGreen, kBlue, kRedField, kGreenField, kBlueField };
 
@@ -87,7 +66,7 @@ TEST(BayerMed, NamedSites) {
         std::vector<uint32_t> s(c.width * (c.height + 1));
         for (size_t i = 0; i < c.samples.size(); i += 3)
             s[c.samples[i] * c.width + c.samples[i + 1]] = c.samples[i + 2];
-        const Member &m = member(c.member);
+        const DemosaicMember &m = member(c.member);
         const Rendered p = pixel(render(m, c.width, c.height, s, c.depth), m, c.width, c.y, c.x);
         EXPECT_EQ(channel_of(p, c.channel), c.expected) << c.what;
     }
@@ -96,7 +75,7 @@ TEST(BayerMed, NamedSites) {
 // Two-line and one-line images: line 1 follows the last-line rules, and a
 // one-line image still gets it.
 TEST(BayerMed, ShortImagesWriteTwoLines) {
-    const Member &m = member("OVC_BAY8_to_BGRX32_med_D");
+    const DemosaicMember &m = member("OVC_BAY8_to_BGRX32_med_D");
     for (uint32_t h : {1u, 2u}) {
         const std::vector<uint8_t> d = render(m, 4, h, {1, 2, 3, 4, 5, 6, 7, 8});
         ASSERT_EQ(d.size(), 32u) << "height " << h;

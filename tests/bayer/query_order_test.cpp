@@ -1,16 +1,14 @@
 // The questions every demosaic routine asks the buffer library, in order,
 // and where an invalid buffer or a depth of 8 stops it with nothing
 // written. Runs against the recording buffer library.
-#include "bayer/members.h"
-
+#include "bayer/member_table.h"
 #include "support/trace_buffer.h"
 
 #include <gtest/gtest.h>
 
 namespace {
 
-using bayer_model::Source;
-using bayer_test::Member;
+using orv::bayer::DemosaicMember;
 using orv_test::FakeBuffer;
 using orv_test::query_log;
 
@@ -50,17 +48,17 @@ const Case cases[] = {
 };
 
 TEST(BayerQueryOrder, EveryMemberAsksInOrderAndStopsAtARefusal) {
-    ASSERT_EQ(bayer_test::members().size(), 81u);
-    for (const Member &m : bayer_test::members())
+    ASSERT_EQ(std::size(orv::bayer::kDemosaicMembers), 81u);
+    for (const DemosaicMember &m : orv::bayer::kDemosaicMembers)
         for (const Case &c : cases) {
-            if (c.n_bit_only && m.kind.source != Source::BAYn) continue;
-            const uint32_t size = m.kind.source == Source::BAY8 ? 1 : 2;
+            if (c.n_bit_only && !m.n_bit) continue;
+            const uint32_t size = m.n_bit ? 2 : 1;
             std::vector<uint8_t> pixels(16 * size, 0x40), out(64, 0xEE);
             FakeBuffer src = orv_test::fake_image("src", pixels.data(), ORV_FORMAT_BAY8, 4, 4, 4 * size);
             FakeBuffer dst = orv_test::fake_image("dst", out.data(), ORV_FORMAT_BGRX32, 4, 4, 16);
             c.spoil(src, dst);
             orv_test::clear_query_log();
-            EXPECT_EQ(call(m, src.handle(), dst.handle(), c.depth), c.status) << m.name << ": " << c.what;
+            EXPECT_EQ(m.call(src.handle(), dst.handle(), c.depth), c.status) << m.name << ": " << c.what;
             const std::vector<std::string> asked(full_order.begin(), full_order.begin() + c.queries);
             EXPECT_EQ(query_log(), asked) << m.name << ": " << c.what;
             // A refused call writes nothing; byte 0 of the first pixel is

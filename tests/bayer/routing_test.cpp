@@ -2,13 +2,12 @@
 // demosaic routine, that the routine reached is the one named by them (its
 // output equals a direct call's), the depth passed for each n-bit format,
 // and the capacity test that runs before anything else is looked at.
+#include "bayer/member_table.h"
 #include "support/test_image.h"
 
 #include <gtest/gtest.h>
 
-#include <map>
 #include <set>
-#include <tuple>
 #include <vector>
 
 namespace {
@@ -16,36 +15,6 @@ namespace {
 using orv_test::TestImage;
 
 uint32_t format(uint32_t low) { return low ? 0xC0022600u | low : 0; }
-
-// The routines by (source low byte class, output low byte, method, phase),
-// for comparing a routed conversion with a direct call.
-struct Routine {
-    ORV_STATUS (*eight)(OFS_HANDLE, OFS_HANDLE);
-    ORV_STATUS (*words)(OFS_HANDLE, OFS_HANDLE, uint32_t);
-};
-using RoutineKey = std::tuple<bool, uint32_t, uint32_t, uint32_t>;
-
-const std::map<RoutineKey, Routine> &routines() {
-    static const std::map<RoutineKey, Routine> table = [] {
-        std::map<RoutineKey, Routine> t;
-        const uint32_t method_dup = ORV_BAYER_METHOD_DUP;
-        const uint32_t method_ave = ORV_BAYER_METHOD_AVE;
-        const uint32_t method_med = ORV_BAYER_METHOD_MED;
-#define ADD_BAY8(OUT, M, P)                                                 \
-    t[{true, ORV_FORMAT_##OUT & 0xFF, method_##M, ORV_BAYER_PHASE_##P}] =   \
-        Routine{OVC_BAY8_to_##OUT##_##M##_##P, nullptr};
-#define ADD_BAYn(OUT, M, P)                                                 \
-    t[{false, ORV_FORMAT_##OUT & 0xFF, method_##M, ORV_BAYER_PHASE_##P}] =  \
-        Routine{nullptr, OVC_BAYn_to_##OUT##_##M##_##P};
-#define ADD(SRC, OUT, M, P) ADD_##SRC(OUT, M, P)
-        ORV_BAYER_MEMBERS(ADD)
-#undef ADD
-#undef ADD_BAYn
-#undef ADD_BAY8
-        return t;
-    }();
-    return table;
-}
 
 // What the routing offers, independently of the routine list: the
 // destinations of each source class and, per destination, the methods
@@ -111,16 +80,12 @@ TEST(BayerRouting, EachKeyMethodAndPhaseReachesItsRoutine) {
                         continue;
                     }
                     ASSERT_EQ(status, ORV_OK);
-                    const auto it =
-                        routines().find({src == 0x16, dst, method, phase});
-                    ASSERT_NE(it, routines().end());
+                    const orv::bayer::DemosaicMember *m =
+                        orv::bayer::find_member(src != 0x16, dst, method, phase);
+                    ASSERT_NE(m, nullptr);
                     TestImage direct(format(dst), w, h, w * bpp, w * h * bpp,
                                      0xEE);
-                    if (src == 0x16)
-                        it->second.eight(in.handle(), direct.handle());
-                    else
-                        it->second.words(in.handle(), direct.handle(),
-                                         depth_of(src));
+                    m->call(in.handle(), direct.handle(), depth_of(src));
                     EXPECT_EQ(out.bytes(), direct.bytes());
                 }
             }

@@ -60,4 +60,14 @@ std::vector<uint8_t> random_bytes(size_t count, uint32_t seed) {
     return out;
 }
 
+uint32_t crc32(const std::vector<uint8_t> &bytes) {
+    uint32_t crc = 0xFFFFFFFFu;
+    for (uint8_t b : bytes) {
+        crc ^= b;
+        for (int bit = 0; bit < 8; ++bit)
+            crc = (crc >> 1) ^ (0xEDB88320u & (0u - (crc & 1u)));
+    }
+    return ~crc;
+}
+
 } // namespace orv_test

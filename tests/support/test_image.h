@@ -45,6 +45,10 @@ private:
 // Deterministic pseudo-random bytes for images (xorshift32).
 std::vector<uint8_t> random_bytes(size_t count, uint32_t seed);
 
+// CRC-32 (the zlib polynomial) of some bytes: recorded checksums of whole
+// outputs hold results that no second implementation needs to restate.
+uint32_t crc32(const std::vector<uint8_t> &bytes);
+
 } // namespace orv_test
 
 #endif // ORVANE_TEST_IMAGE_H
