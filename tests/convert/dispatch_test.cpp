@@ -100,66 +100,54 @@ TEST(ConvertDispatch, ZeroHandlesAreRefused) {
     EXPECT_EQ(OVC_Convert(img.handle(), 0), ORV_ERROR_BAD_PARAM);
 }
 
-// Capacity: a destination that fits exactly converts, one byte less fails,
-// whatever the destination's own width says.
-struct Fit {
-    uint32_t src_format, dst_format, bytes_per_pixel;
+// Every capacity form of every family, as (k, m): a W x H source needs
+// W x H x k <= m x stride x height, each side a 32-bit product. An exact
+// fit converts; one byte less is refused with nothing written; and where
+// m > 1, a stride whose m-fold product wraps to a few bytes is refused
+// although the stride alone would hold the image.
+struct CapacityForm {
+    uint32_t src, dst, k, m;
 };
 
-const Fit fits[] = {
-    {ORV_FORMAT_Y8, ORV_FORMAT_Y16, 2},      {ORV_FORMAT_Y8, ORV_FORMAT_Y32, 4},
-    {ORV_FORMAT_Y8, ORV_FORMAT_RGB15, 2},    {ORV_FORMAT_Y8, ORV_FORMAT_XRGB32, 4},
-    {ORV_FORMAT_Y8, ORV_FORMAT_1D, 6},       {ORV_FORMAT_Y8, ORV_FORMAT_BGR30, 4},
-    {ORV_FORMAT_Y8, ORV_FORMAT_RGB24, 3},    {ORV_FORMAT_Y16, ORV_FORMAT_Y8, 1},
-    {ORV_FORMAT_Y12, ORV_FORMAT_Y16, 2},     {ORV_FORMAT_Y10, ORV_FORMAT_Y32, 4},
-    {ORV_FORMAT_Y14, ORV_FORMAT_BGR16, 2},   {ORV_FORMAT_Y16, ORV_FORMAT_RGBX32, 4},
-    {ORV_FORMAT_Y16, ORV_FORMAT_RGB48, 6},   {ORV_FORMAT_Y12, ORV_FORMAT_RGB30, 4},
-    {ORV_FORMAT_Y10, ORV_FORMAT_BGR24, 3},   {ORV_FORMAT_Y12P, ORV_FORMAT_RGB16, 2},
-    {ORV_FORMAT_Y12P, ORV_FORMAT_BGRX32, 4}, {ORV_FORMAT_Y12P, ORV_FORMAT_BGR24, 3},
-    {ORV_FORMAT_Y16, ORV_FORMAT_Y16, 2}, // strides differ: rows, not the copy
+const CapacityForm capacity_forms[] = {
+    // Y8, 16-bit grey, Y12P
+    {0x01, 0x02, 2, 1}, {0x01, 0x03, 4, 1}, {0x01, 0x05, 2, 1}, {0x01, 0x07, 4, 1},
+    {0x01, 0x1D, 6, 1}, {0x01, 0x10, 4, 1}, {0x01, 0x12, 3, 1}, {0x02, 0x01, 2, 2},
+    {0x13, 0x02, 2, 1}, {0x14, 0x03, 4, 1}, {0x15, 0x06, 2, 1}, {0x02, 0x0D, 4, 1},
+    {0x02, 0x0E, 6, 1}, {0x14, 0x0F, 4, 1}, {0x13, 0x11, 6, 2}, {0x02, 0x02, 2, 1},
+    {0x1B, 0x06, 6, 3}, {0x1B, 0x08, 12, 3}, {0x1B, 0x11, 3, 1},
+    // colour: BGR24, BGR48, BGR36, RGB30, BGRX32
+    {0x11, 0x05, 6, 3}, {0x11, 0x0F, 12, 3}, {0x11, 0x09, 6, 1}, {0x11, 0x12, 3, 1},
+    {0x09, 0x06, 6, 3}, {0x09, 0x0D, 12, 3}, {0x09, 0x0E, 6, 1}, {0x09, 0x11, 6, 2},
+    {0x1C, 0x0A, 6, 3}, {0x1C, 0x10, 12, 3}, {0x1C, 0x09, 6, 1}, {0x1C, 0x12, 6, 2},
+    {0x0F, 0x05, 4, 2}, {0x0F, 0x07, 4, 1}, {0x0F, 0x0E, 12, 2}, {0x0F, 0x11, 12, 4},
+    {0x08, 0x11, 12, 4},
+    // YUV 4:2:2 and Bayer (dup, phase A)
+    {0x1E, 0x0C, 4, 1}, {0x1E, 0x12, 6, 2}, {0x16, 0x06, 2, 1}, {0x16, 0x08, 4, 1},
+    {0x16, 0x0D, 4, 1}, {0x16, 0x0B, 2, 1}, {0x16, 0x11, 3, 1}, {0x17, 0x11, 6, 2},
+    {0x1A, 0x0D, 4, 1},
 };
 
-TEST(ConvertCapacity, ExactFitPassesAndOneByteShortFails) {
-    for (const Fit &f : fits) {
-        const uint32_t w = 6, h = 5, need = w * h * f.bytes_per_pixel;
-        // h packed lines hold exactly the image; one line of need - 1 bytes
-        // is one byte short.
-        const uint32_t geometry[2][2] = {{w * f.bytes_per_pixel, h},
-                                         {need - 1, 1}};
-        for (const auto &g : geometry) {
-            TestImage src(f.src_format, w, h, 16, 16 * h, 0x5A);
-            TestImage dst(f.dst_format, 1, g[1], g[0], need, 0xEE);
-            const ORV_STATUS st = OVC_Convert(src.handle(), dst.handle());
-            EXPECT_EQ(st, g[1] == h ? ORV_OK : ORV_ERROR_BAD_PARAM)
-                << std::hex << f.src_format << " -> " << f.dst_format;
-            if (st != ORV_OK) {
+TEST(ConvertCapacity, EveryFormFitsExactlyAndWrapsAsStated) {
+    const uint32_t w = 6, h = 5;
+    for (const CapacityForm &f : capacity_forms) {
+        const uint32_t need = w * h * f.k / f.m;
+        struct Destination {
+            uint32_t stride, height;
+            ORV_STATUS status;
+        };
+        std::vector<Destination> cases = {{need / h, h, ORV_OK}, {need - 1, 1, ORV_ERROR_BAD_PARAM}};
+        if (f.m > 1)
+            cases.push_back({uint32_t(0x100000000ull / f.m) + 1, 1, ORV_ERROR_BAD_PARAM});
+        for (const Destination &c : cases) {
+            TestImage src(format(f.src), w, h, 40, 40 * (h + 1), 0x5A);
+            src.set_bayer(ORV_BAYER_METHOD_DUP, ORV_BAYER_PHASE_A);
+            TestImage dst(format(f.dst), 1, c.height, c.stride, need, 0xEE);
+            EXPECT_EQ(OVC_Convert(src.handle(), dst.handle()), c.status)
+                << std::hex << f.src << " -> " << f.dst << std::dec << ", stride " << c.stride;
+            if (c.status != ORV_OK)
                 EXPECT_EQ(dst.bytes(), std::vector<uint8_t>(need, 0xEE));
-            }
         }
-    }
-}
-
-// The scaled forms (k, m) are formed as stated: with m x stride x height
-// wrapping to a small number a one-pixel image no longer fits, although
-// the plain form (bytes per pixel against stride x height) would pass.
-struct WrappingForm {
-    uint32_t src_format, dst_format, dst_stride, dst_height;
-};
-
-const WrappingForm wrapping_forms[] = {
-    {ORV_FORMAT_Y16, ORV_FORMAT_Y8, 0x10000, 0x8000},     // 2 x 2^31 wraps to 0
-    {ORV_FORMAT_Y12, ORV_FORMAT_BGR24, 0x10000, 0x8000},  // 2 x 2^31
-    {ORV_FORMAT_Y12P, ORV_FORMAT_RGB16, 0x2, 0x2AAAAAAB}, // 3 x 0x55555556 = 2
-    {ORV_FORMAT_Y12P, ORV_FORMAT_XBGR32, 0x2, 0x2AAAAAAB},
-};
-
-TEST(ConvertCapacity, ScaledFormsWrapAsStated) {
-    for (const WrappingForm &f : wrapping_forms) {
-        TestImage src(f.src_format, 2, 1, 4, 4, 0x5A);
-        TestImage dst(f.dst_format, 2, f.dst_height, f.dst_stride, 16, 0xEE);
-        EXPECT_EQ(OVC_Convert(src.handle(), dst.handle()), ORV_ERROR_BAD_PARAM)
-            << std::hex << f.src_format << " -> " << f.dst_format;
-        EXPECT_EQ(dst.bytes(), std::vector<uint8_t>(16, 0xEE));
     }
 }
 

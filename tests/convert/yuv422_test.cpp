@@ -1,6 +1,6 @@
 // Conversions from YUV 4:2:2: the fixed-point BT.601 arithmetic against a
 // floor-division model over every chroma pair, the worked values, the
-// packed source walk, odd widths, X bytes, and the capacity forms.
+// packed source walk, odd widths and X bytes.
 #include "support/test_image.h"
 
 #include <gtest/gtest.h>
@@ -108,40 +108,6 @@ TEST(Yuv422Conversions, PackedSourceOddWidthsAndUntouchedBytes) {
                 << std::hex << layout.low << std::dec << " width " << width;
         }
     }
-}
-
-TEST(Yuv422Conversions, CapacityTestsAndRefusals) {
-    struct Case {
-        uint32_t low, dst_stride, dst_height;
-        ORV_STATUS expected;
-    };
-    const Case cases[] = {
-        {0x08, 16, 2, ORV_OK},                   // 4 x 2 x 4 = 32 fits exactly
-        {0x08, 15, 2, ORV_ERROR_BAD_PARAM},
-        {0x11, 12, 2, ORV_OK},                   // 4 x 2 x 6 = 48 = 2 x 24
-        {0x11, 11, 2, ORV_ERROR_BAD_PARAM},
-        {0x11, 0x80000001u, 1, ORV_ERROR_BAD_PARAM}, // 2 x size wraps to 2
-        {0x12, 0x80000001u, 1, ORV_ERROR_BAD_PARAM},
-        {0x0D, 16, 2, ORV_OK},
-        {0x01, 64, 2, ORV_ERROR_NOT_SUPPORTED},
-        {0x06, 64, 2, ORV_ERROR_NOT_SUPPORTED},
-        {0x0E, 64, 2, ORV_ERROR_NOT_SUPPORTED},
-    };
-    for (const auto &c : cases) {
-        TestImage source(ORV_FORMAT_YUV422, 4, 2, 8);
-        TestImage target(0xC0022600u | c.low, 4, c.dst_height, c.dst_stride,
-                         64, 0x77);
-        const uint32_t status = OVC_Convert(source.handle(), target.handle());
-        EXPECT_EQ(status, c.expected) << std::hex << c.low << " " << c.dst_stride;
-        if (c.expected != ORV_OK) {
-            EXPECT_EQ(target.bytes(), Bytes(target.size(), 0x77));
-        }
-    }
-    // Height 0 passes any test and writes nothing.
-    TestImage source(ORV_FORMAT_YUV422, 4, 0, 8, 8);
-    TestImage target(ORV_FORMAT_BGRX32, 4, 0, 0, 8, 0x77);
-    EXPECT_EQ(OVC_Convert(source.handle(), target.handle()), ORV_OK);
-    EXPECT_EQ(target.bytes(), Bytes(8, 0x77));
 }
 
 } // namespace
