@@ -15,6 +15,7 @@
 
 #include "kernels.h"
 #include "../common/query.h"
+#include "../convert/byte_layouts.h"
 
 #include <cstdint>
 
@@ -96,37 +97,19 @@ struct WordSamples {
 // put(d, r, g, b) stores one pixel. The X byte of the 32-bit layouts is
 // never written: callers keep their alpha there.
 
-inline uint8_t low_byte(Channel c) { return static_cast<uint8_t>(c.value); }
-
-struct PackBgrx32 {
-    static constexpr unsigned index = 0;
-    static constexpr uint32_t bytes = 4;
+// The byte layouts (shared with the conversions) take the low byte of
+// each channel.
+template <class Layout, unsigned Index> struct PackBytes {
+    static constexpr unsigned index = Index;
+    static constexpr uint32_t bytes = Layout::bytes;
     static void put(uint8_t *d, Channel r, Channel g, Channel b) {
-        d[0] = low_byte(b);
-        d[1] = low_byte(g);
-        d[2] = low_byte(r);
+        Layout::put(d, r.value, g.value, b.value);
     }
 };
 
-struct PackRgbx32 {
-    static constexpr unsigned index = 1;
-    static constexpr uint32_t bytes = 4;
-    static void put(uint8_t *d, Channel r, Channel g, Channel b) {
-        d[0] = low_byte(r);
-        d[1] = low_byte(g);
-        d[2] = low_byte(b);
-    }
-};
-
-struct PackBgr24 {
-    static constexpr unsigned index = 2;
-    static constexpr uint32_t bytes = 3;
-    static void put(uint8_t *d, Channel r, Channel g, Channel b) {
-        d[0] = low_byte(b);
-        d[1] = low_byte(g);
-        d[2] = low_byte(r);
-    }
-};
+using PackBgrx32 = PackBytes<LayoutBgrx32, 0>;
+using PackRgbx32 = PackBytes<LayoutRgbx32, 1>;
+using PackBgr24 = PackBytes<LayoutBgr24, 2>;
 
 // R in bits 11-15 (cut to 16 bits), G in bits 5-10, B in bits 0-4 taken
 // from its own unmasked five-bit field.

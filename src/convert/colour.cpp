@@ -10,16 +10,11 @@ namespace {
 
 using namespace colour;
 
-// A pair walked by the units of its source and destination: u16 sources
-// and destinations drop an odd byte from their row steps, the u32 source
-// and the 30-bit destinations anything short of four.
 template <class Src, class Dst>
 ORV_STATUS colour_pair(const ConversionJob &job, Capacity cap, uint32_t dst) {
-    return run_rows(job, cap,
-                    plain_walk(job, Src::bytes, Src::unit_shift, Dst::bytes,
-                               Dst::unit_shift),
-                    convert_kernels_in_use()
-                        .colour[Src::index][dst - kFirstColourDestination]);
+    return run_pair<Src, Dst>(
+        job, cap,
+        convert_kernels_in_use().colour[Src::index][dst - kFirstColourDestination]);
 }
 
 // Capacity factors (k, m) of a source, by destination class. Each ratio is

@@ -89,6 +89,17 @@ inline ORV_STATUS run_rows(const ConversionJob &job, Capacity cap,
     return ORV_OK;
 }
 
+// A pair of fixed-size pixels, walked by the units of its source and
+// destination row types: u16 sides drop an odd byte from their row steps,
+// u32 and 30-bit ones anything short of four.
+template <class Src, class Dst>
+ORV_STATUS run_pair(const ConversionJob &job, Capacity cap, RowFunction row) {
+    return run_rows(job, cap,
+                    plain_walk(job, Src::bytes, Src::unit_shift, Dst::bytes,
+                               Dst::unit_shift),
+                    row);
+}
+
 // The conversion families behind OVC_Convert. Each takes the key
 // (source low byte << 8 | destination low byte) of its own source formats
 // and returns ORV_ERROR_NOT_SUPPORTED for destinations it does not convert.

@@ -13,10 +13,8 @@ using namespace grey;
 
 template <class Src, class Dst>
 ORV_STATUS grey_pair(const ConversionJob &job, Capacity cap) {
-    return run_rows(job, cap,
-                    plain_walk(job, Src::bytes, Src::unit_shift, Dst::bytes,
-                               Dst::unit_shift),
-                    convert_kernels_in_use().grey[Src::index][Dst::index]);
+    return run_pair<Src, Dst>(
+        job, cap, convert_kernels_in_use().grey[Src::index][Dst::index]);
 }
 
 // Y8 into Y8 off the copy path: the destination's row step subtracts the
