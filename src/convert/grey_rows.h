@@ -130,17 +130,23 @@ struct ToWords48 {
     }
 };
 
+// Y8's departure in the 30-bit class: v unscaled at bits 0, 10 and 22,
+// so its top field holds v x 4, instead of the deeper sources' sample
+// and presence flags.
+constexpr uint32_t y8_unscaled_packed30(uint32_t v) {
+    return v + (v << 10) + (v << 22);
+}
+
 // 0F, 10. Only the low 10-bit field carries the sample (v >> (D - 10));
 // the two upper fields each get a single presence flag bit, set when the
-// sample is non-zero. Y8 instead puts v unscaled at bits 0, 10 and 22, so
-// its top field holds v x 4.
+// sample is non-zero.
 struct ToPacked30 {
     static constexpr GreyClass index = kToPacked30;
     static constexpr uint32_t bytes = 4;
     static constexpr unsigned unit_shift = 2;
     template <unsigned D> static void put(uint8_t *d, uint32_t v) {
         if constexpr (D == 8) {
-            store_u32(d, v + (v << 10) + (v << 22));
+            store_u32(d, y8_unscaled_packed30(v));
         } else {
             constexpr unsigned s = D - 10;
             const uint32_t present = v != 0;
