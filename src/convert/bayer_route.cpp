@@ -6,7 +6,7 @@
 // (bayer/member_table.h): a method or phase with no routine there is not
 // implemented. The routine's own status is not passed on; once it has
 // been called the conversion reports success.
-#include "frame.h"
+#include "conversion_job.h"
 
 #include "../bayer/member_table.h"
 

@@ -3,7 +3,7 @@
 // capacity factors and row walk around the rows of colour_rows.h, taken
 // from the kernel table.
 #include "colour_rows.h"
-#include "frame.h"
+#include "conversion_job.h"
 
 namespace orv {
 namespace {

@@ -2,7 +2,7 @@
 // the conversion key and hands the job to the family of its source format.
 #include <orvane/convert.h>
 
-#include "frame.h"
+#include "conversion_job.h"
 
 namespace orv {
 namespace {

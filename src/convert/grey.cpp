@@ -1,7 +1,7 @@
 // Conversions from the grey sources Y8, Y16, Y10, Y12, Y14 and packed
 // 12-bit Y12P: each pair's capacity factors and row walk around the rows
 // of grey_rows.h, taken from the kernel table.
-#include "frame.h"
+#include "conversion_job.h"
 #include "grey_rows.h"
 
 #include <cstring>

@@ -6,7 +6,7 @@
 // line starts where the previous one's last pair ended. The destination
 // steps by its stride less W pixels from where the last pair ended, so on
 // an odd width the next line starts one pixel further on.
-#include "frame.h"
+#include "conversion_job.h"
 
 namespace orv {
 namespace {

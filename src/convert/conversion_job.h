@@ -1,12 +1,12 @@
-// The frame that every inline conversion of OVC_Convert runs in: what the
+// The conversion job every inline conversion of OVC_Convert runs in: what the
 // dispatcher learnt about both buffers, the capacity test, and the row
 // loop that steps both buffers by their 32-bit row differences.
 //
 // A conversion supplies a row function from the kernel table (one source
 // line into one destination line) and the distances from one row start to
-// the next; the frame supplies the rest. Rows carry no branches on format inside them.
-#ifndef ORVANE_CONVERT_FRAME_H
-#define ORVANE_CONVERT_FRAME_H
+// the next; the job supplies the rest. Rows carry no branches on format inside them.
+#ifndef ORVANE_CONVERT_CONVERSION_JOB_H
+#define ORVANE_CONVERT_CONVERSION_JOB_H
 
 #include <orvane/convert.h>
 
@@ -111,4 +111,4 @@ ORV_STATUS convert_from_bayer(const ConversionJob &job, uint32_t key,
 
 } // namespace orv
 
-#endif // ORVANE_CONVERT_FRAME_H
+#endif // ORVANE_CONVERT_CONVERSION_JOB_H
