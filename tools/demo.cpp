@@ -1,7 +1,8 @@
 // `orvane demo`: synthesises a test chart, runs it through every demosaic
 // method and phase (8- and 12-bit mosaics), the YUV 4:2:2 conversion and
 // every de-interlace method, and writes what comes out as PNG files, plus
-// an 8-bit grey TIFF and a raw dump from the library's own writers. Prints
+// an 8-bit grey TIFF and a raw dump from the library's own writers and the
+// field it de-interlaces as a PPM, for the user to try. Prints
 // what it did, the file each operation wrote, the library's speed and how
 // close each picture is to the chart (PSNR).
 #include "commands.h"
@@ -309,6 +310,8 @@ private:
 
     void deinterlace_all() {
         Image field = chart_field(chart_);
+        write_image(field, FileType::ppm, path("field.ppm"));
+        rows_.push_back({"the chart's even lines (a field)", "field.ppm", -1});
         uint32_t even = find_name(kFieldParities, "even")->value;
         for (const NamedValue &method : kFieldMethods) {
             Image frame = frame_for(field);
