@@ -53,13 +53,12 @@ FileType output_type(const std::string &out, bool library_tiff) {
 // --to (nullptr: the file type's choice for each input format).
 struct OutputPlan {
     FileType type;
-    std::string out;
     const FormatInfo *to;
 };
 
 OutputPlan output_plan(FileType type, const std::string &out,
                        const std::string &to) {
-    OutputPlan plan{type, out, nullptr};
+    OutputPlan plan{type, nullptr};
     if (!to.empty()) {
         plan.to = &lookup_format(to);
         check_file_holds(type, *plan.to, out);
@@ -185,7 +184,7 @@ struct Job {
 // OUT is a directory (always so for several inputs). The directory is
 // made later, once every check has passed.
 std::vector<Job> plan_jobs(const ConvertOptions &options, FileType &type,
-                           bool &to_directory) {
+                           bool &to_directory, bool &to_stream) {
     const std::string &out = options.output;
     std::error_code ignored;
     to_directory = options.inputs.size() > 1 || fs::is_directory(out, ignored) ||
@@ -196,10 +195,21 @@ std::vector<Job> plan_jobs(const ConvertOptions &options, FileType &type,
                          " inputs need an output directory, not the file " + out);
     std::vector<Job> jobs;
     if (!to_directory) {
-        if (options.extension)
+        // A FIFO or a device has no extension to tell the file type by:
+        // --ext tells it.
+        to_stream = fs::is_fifo(out, ignored) ||
+                    fs::is_character_file(out, ignored) ||
+                    fs::is_block_file(out, ignored);
+        bool named = file_type_of(out).has_value();
+        if (to_stream && !named && !options.extension)
+            throw UsageError(out + ": a FIFO or device without an extension "
+                                   "needs --ext for the file type");
+        if (options.extension && (named || !to_stream))
             throw UsageError("--ext names the file type in an output "
-                             "directory; " + out + " names its own");
-        type = output_type(out, options.library_tiff);
+                             "directory, FIFO or device; " + out +
+                             " names its own");
+        type = output_type(named || !to_stream ? out : "." + *options.extension,
+                           options.library_tiff);
         jobs.push_back({options.inputs.front(), out});
         return jobs;
     }
@@ -254,8 +264,8 @@ InputDescription resolve_input(const InputOptions &options) {
 int run_convert(const ConvertOptions &options) {
     InputDescription input = resolve_input(options.input);
     FileType type = FileType::png;
-    bool to_directory = false;
-    std::vector<Job> jobs = plan_jobs(options, type, to_directory);
+    bool to_directory = false, to_stream = false;
+    std::vector<Job> jobs = plan_jobs(options, type, to_directory, to_stream);
     check_options_apply(options.input, options.inputs, type,
                         options.library_tiff);
     OutputPlan plan = output_plan(type, options.output, options.to);
@@ -307,11 +317,13 @@ int run_convert(const ConvertOptions &options) {
     double elapsed = seconds_since(start);
     std::string failures =
         failed ? "; " + std::to_string(failed) + " failed" : std::string();
-    std::printf("converted %zu of %zu file%s (%.2f megapixels) in %.2f s on "
-                "%u thread%s%s\n",
-                jobs.size() - failed, jobs.size(), jobs.size() == 1 ? "" : "s",
-                static_cast<double>(pixels) / 1e6, elapsed, threads,
-                threads == 1 ? "" : "s", failures.c_str());
+    // The report keeps out of an image written to the standard output.
+    std::fprintf(to_stream ? stderr : stdout,
+                 "converted %zu of %zu file%s (%.2f megapixels) in %.2f s on "
+                 "%u thread%s%s\n",
+                 jobs.size() - failed, jobs.size(), jobs.size() == 1 ? "" : "s",
+                 static_cast<double>(pixels) / 1e6, elapsed, threads,
+                 threads == 1 ? "" : "s", failures.c_str());
     return failed ? kExitFailure : 0;
 }
 

@@ -61,9 +61,10 @@ const char *file_type_name(FileType type);
 
 // The format an image of `source` is written in when no --to is given:
 // the source itself when the file type holds it, else the nearest format
-// that the library converts into and the file holds.
+// that the library converts into and the file holds. Throws UsageError
+// naming `subject` when there is none.
 const FormatInfo &default_target(const FormatInfo &source, FileType type,
-                                 const std::string &out);
+                                 const std::string &subject);
 // Throws UsageError when `type` cannot hold images of `format`.
 void check_file_holds(FileType type, const FormatInfo &format,
                       const std::string &out);

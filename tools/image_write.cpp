@@ -355,7 +355,7 @@ const char *file_type_name(FileType type) {
 }
 
 const FormatInfo &default_target(const FormatInfo &source, FileType type,
-                                 const std::string &out) {
+                                 const std::string &subject) {
     if (file_holds(type, source))
         return source;
     for (uint32_t code : candidates(type, source)) {
@@ -363,7 +363,7 @@ const FormatInfo &default_target(const FormatInfo &source, FileType type,
         if (library_converts(source, candidate))
             return candidate;
     }
-    throw UsageError(out + ": the library converts " + source.name +
+    throw UsageError(subject + ": the library converts " + source.name +
                      " into nothing a " + file_type_name(type) +
                      " file holds (choose another file type)");
 }

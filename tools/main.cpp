@@ -78,9 +78,11 @@ const char *kOutputHelp =
     "mosaic's samples), .raw (the pixels as they lie in memory, written by "
     "OVC_FileWrite)";
 
-const char *kInputLimits =
-    "Inputs hold at most 65535 pixels a side and 2^26 (67108864) pixels in "
-    "all.\n";
+std::string input_limits() {
+    return "Inputs hold at most " + std::to_string(kMaxSide) +
+           " pixels a side and " + std::to_string(kMaxPixels) +
+           " pixels in all.\n";
+}
 
 // CLI11 reads an unknown command as a stray argument; the tool names it.
 void check_command(int argc, char **argv, const CLI::App &app) {
@@ -129,7 +131,7 @@ int run(int argc, char **argv) {
         "convert", "Convert raw dumps and PGM/PPM files with OVC_Convert. "
                    "Several inputs go to a directory and are converted in "
                    "parallel");
-    convert_command->footer(kInputLimits);
+    convert_command->footer(input_limits());
     convert_command->add_option("IN", convert.inputs, "Input files: raw dumps "
                                                       "or .pgm/.ppm")
         ->required();
@@ -150,7 +152,7 @@ int run(int argc, char **argv) {
     CLI::App *deinterlace_command = app.add_subcommand(
         "deinterlace", "Rebuild a full frame from one interlaced field with "
                        "OVC_FieldToFrame");
-    deinterlace_command->footer(kInputLimits);
+    deinterlace_command->footer(input_limits());
     deinterlace_command->add_option("IN", deinterlace.in, "The field: a raw "
                                                           "dump or .pgm/.ppm")
         ->required();

@@ -152,10 +152,10 @@ void copy_into(const std::string &from, const std::string &to,
 } // namespace
 
 PendingFile::PendingFile(std::string target)
-    : target_(std::move(target)), destination_(followed_links(target_)) {
+    : target_(std::move(target)), destination_(target_) {
     static std::atomic<unsigned> counter{0};
     struct stat info {};
-    if (stat(destination_.c_str(), &info) == 0) {
+    if (stat(target_.c_str(), &info) == 0) {
         if (S_ISDIR(info.st_mode))
             throw write_error(target_, EISDIR);
         copied_in_ = S_ISFIFO(info.st_mode) || S_ISCHR(info.st_mode) ||
@@ -164,6 +164,10 @@ PendingFile::PendingFile(std::string target)
             throw ToolError(target_ + ": cannot write: not a file, FIFO or "
                                       "device");
     }
+    // A FIFO or a device is opened through its links; a file is replaced
+    // where the links end.
+    if (!copied_in_)
+        destination_ = followed_links(target_);
     std::string::size_type slash = destination_.rfind('/');
     std::string directory =
         slash == std::string::npos ? "" : destination_.substr(0, slash + 1);

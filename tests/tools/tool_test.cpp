@@ -797,8 +797,9 @@ TEST(Convert, GoesOnWithOneLineOfWarning) {
     }
 }
 
-// A FIFO at the output is written through and a symbolic link followed to
-// the file it names, which a dangling link creates; neither is replaced.
+// A FIFO at the output is written through (--ext tells the file type of
+// one without an extension) and a symbolic link followed to the file it
+// names, which a dangling link creates; neither is replaced.
 TEST(Convert, WritesThroughFifosAndSymbolicLinks) {
     fs::path dir = work_directory("targets");
     std::string grey = pnm('5', 8, 6, 255, 1);
@@ -808,26 +809,32 @@ TEST(Convert, WritesThroughFifosAndSymbolicLinks) {
     fs::create_symlink("real/old.pgm", dir / "link.pgm");
     fs::create_symlink("real/new.pgm", dir / "dangling.pgm");
     ASSERT_EQ(mkfifo((dir / "fifo.pgm").c_str(), 0666), 0);
+    ASSERT_EQ(mkfifo((dir / "pipe").c_str(), 0666), 0);
     struct Case {
-        const char *out, *holder; // the path given, the file that gets the bytes
+        std::vector<std::string> output;
+        const char *holder; // the file that gets the bytes; nullptr: a FIFO
     };
-    for (const Case &c : {Case{"link.pgm", "real/old.pgm"},
-                          Case{"dangling.pgm", "real/new.pgm"},
-                          Case{"fifo.pgm", nullptr}}) {
+    const Case cases[] = {{{"link.pgm"}, "real/old.pgm"},
+                          {{"dangling.pgm"}, "real/new.pgm"},
+                          {{"fifo.pgm"}, nullptr},
+                          {{"pipe", "--ext", "PGM"}, nullptr}};
+    for (const Case &c : cases) {
+        fs::path out = dir / c.output[0];
         std::future<std::string> piped;
         if (!c.holder)
-            piped = std::async(std::launch::async, [&] { return slurp(dir / c.out); });
-        Outcome run = orvane(dir, {"convert", "grey.pgm", "-o", c.out});
+            piped = std::async(std::launch::async, [&] { return slurp(out); });
+        std::vector<std::string> args = {"convert", "grey.pgm", "-o"};
+        args.insert(args.end(), c.output.begin(), c.output.end());
+        Outcome run = orvane(dir, args);
         if (!c.holder) {
             // Lets the reader go, should the tool never have opened the FIFO.
-            int unblock = open((dir / c.out).c_str(), O_WRONLY | O_NONBLOCK);
+            int unblock = open(out.c_str(), O_WRONLY | O_NONBLOCK);
             if (unblock >= 0)
                 close(unblock);
         }
-        ASSERT_EQ(run.status, 0) << c.out << ": " << run.err;
-        EXPECT_EQ(c.holder ? slurp(dir / c.holder) : piped.get(), grey) << c.out;
-        EXPECT_TRUE(c.holder ? fs::is_symlink(dir / c.out) : fs::is_fifo(dir / c.out))
-            << c.out;
+        ASSERT_EQ(run.status, 0) << c.output[0] << ": " << run.err;
+        EXPECT_EQ(c.holder ? slurp(dir / c.holder) : piped.get(), grey) << c.output[0];
+        EXPECT_TRUE(c.holder ? fs::is_symlink(out) : fs::is_fifo(out)) << c.output[0];
     }
 }
 
