@@ -91,8 +91,18 @@ const FormatInfo &output_format(const FormatInfo &source,
     return target;
 }
 
-// Checks, once for each format among `inputs`, what output_format checks.
-// An input whose format cannot be learned is left to fail in its own turn.
+// One line on a conversion whose result the library's contract makes
+// wrong for a picture, where the tool has no simple step around it.
+void note_conversion(const FormatInfo &source, const FormatInfo &target) {
+    if (source.code == ORV_FORMAT_RGB30 && target.code == ORV_FORMAT_RGB48)
+        std::fprintf(stderr, "orvane: note: the library converts rgb30 into "
+                             "rgb48 with G and B from the next pixel; --to "
+                             "bgr48 keeps them in place\n");
+}
+
+// Checks, once for each format among `inputs`, what output_format checks,
+// and gives its note. An input whose format cannot be learned is left to
+// fail in its own turn.
 void check_output_formats(const std::vector<std::string> &inputs,
                           const OutputPlan &plan,
                           const InputDescription &input) {
@@ -104,7 +114,7 @@ void check_output_formats(const std::vector<std::string> &inputs,
         }
     }
     for (const auto &[format, subject] : first_of_format)
-        output_format(*format, plan, input, subject);
+        note_conversion(*format, output_format(*format, plan, input, subject));
 }
 
 // Options that describe something the inputs or the output do not have
@@ -348,6 +358,7 @@ int run_deinterlace(const DeinterlaceOptions &options) {
                          name_of(kFieldMethods, method) + " (methods and "
                          "formats: " + deinterlace_methods_text() + ")");
     const FormatInfo &target = output_format(format, plan, input, options.in);
+    note_conversion(format, target);
     // LineAve averages each byte on its own: right for samples of one
     // byte; for wider samples a carry from the high byte is lost.
     if (method == OVC_FIELD_LINEAVE && format.depth != 8)

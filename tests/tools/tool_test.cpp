@@ -781,6 +781,11 @@ TEST(Convert, GoesOnWithOneLineOfWarning) {
         {{"deinterlace", "grey16.pgm", "--method", "lineave", "--parity", "odd", "-o",
           "o.pgm"},
          "note: lineave averages bytes, not y16 samples", "by lineave"},
+        {{"convert", "long.raw", "--format", "rgb30", "--width", "32", "--height",
+          "24", "--to", "rgb48", "-o", "o.png"},
+         "note: the library converts rgb30 into rgb48 with G and B from the next "
+         "pixel",
+         "converted 1 of 1 file"},
     };
     fs::path dir = work_directory("warnings");
     spill(dir / "long.raw", random_bytes(64 * 48, 5));
