@@ -91,8 +91,8 @@ const FormatInfo &output_format(const FormatInfo &source,
     return target;
 }
 
-// One line on a conversion whose result the library's contract makes
-// wrong for a picture, where the tool has no simple step around it.
+// One line on a conversion whose result the library keeps on purpose and
+// a picture would not, where the tool has no simple step around it.
 void note_conversion(const FormatInfo &source, const FormatInfo &target) {
     if (source.code == ORV_FORMAT_RGB30 && target.code == ORV_FORMAT_RGB48)
         std::fprintf(stderr, "orvane: note: the library converts rgb30 into "

@@ -146,8 +146,8 @@ unsigned converted_bits(const Image &source, const FormatInfo &target) {
 }
 
 // Columns added on each side of a mosaic before the library demosaics it,
-// and cropped from the result. The demosaic routines keep a few results
-// that their contract asks for and a picture does not:
+// and cropped from the result. The demosaic routines keep, on purpose, a
+// few results that a picture would not have:
 // - ave and med at an odd width take the last column for an inner one and
 //   read the sample after each line (the next line's first): one more
 //   column makes the width even;
