@@ -12,12 +12,12 @@
 
 namespace orvtool {
 
-// Input options as typed, names not yet looked up.
+// Input options as typed, names not yet looked up; an option left out is
+// empty.
 struct InputOptions {
     std::string format;
     std::optional<uint32_t> width, height, stride;
-    std::string bayer_method = "med";
-    std::string bayer_phase = "a";
+    std::optional<std::string> bayer_method, bayer_phase; // med, a
 };
 
 // Looks the names up; UsageError for a name the tool does not know.
@@ -28,7 +28,8 @@ struct ConvertOptions {
     std::vector<std::string> inputs;
     std::string output;
     std::string to;
-    std::string extension = "png";
+    std::optional<std::string> extension; // png
+    bool library_tiff = false;
     unsigned jobs = 0; // 0: one per core
 };
 
@@ -37,14 +38,21 @@ struct DeinterlaceOptions {
     std::string in;
     std::string output;
     std::string to;
-    std::string method = "bilinear";
+    std::optional<std::string> method; // by the field's format
     std::string parity;
+    bool library_tiff = false;
 };
+
+// Which de-interlace methods take which formats, as OVC_FieldToFrame
+// answers: "bilinear, median: y8 xbgr32 ...; linedup, lineave: every
+// format".
+std::string deinterlace_methods_text();
 
 int run_convert(const ConvertOptions &options);
 int run_deinterlace(const DeinterlaceOptions &options);
 int run_formats();
-int run_demo(const std::string &directory);
+// `command` is how the user started the tool, for the closing hint.
+int run_demo(const std::string &directory, const std::string &command);
 
 } // namespace orvtool
 

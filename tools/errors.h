@@ -27,6 +27,10 @@ constexpr int kExitUsage = 2;
 // The system's text for errno `code`, safe to call from several threads.
 std::string system_message(int code);
 
+// "PATH: cannot write: CAUSE", the one wording of every failed write, with
+// the cause from errno `code` (an input/output error when it is 0).
+ToolError write_error(const std::string &target, int code);
+
 } // namespace orvtool
 
 #endif // ORVANE_TOOL_ERRORS_H

@@ -4,24 +4,11 @@
 #include "commands.h"
 
 #include <cstdio>
+#include <vector>
 
 namespace orvtool {
 
 namespace {
-
-// Bayer pairs are asked once more per method and phase, with a real 2 x 2
-// mosaic: the demosaic routines need two lines and two columns, and
-// OVC_Convert runs one whenever the pair offers the method and phase.
-// ORV_ERROR_NOT_IMPLEMENTED answers a method or phase that it does not
-// offer.
-bool demosaic_offered(const FormatInfo &source, const FormatInfo &destination,
-                      uint32_t method, uint32_t phase) {
-    constexpr uint32_t kProbeStride = 64;
-    Image from(source, 2, 2, kProbeStride);
-    Image to(destination, 2, 2, kProbeStride);
-    from.set_bayer(method, phase);
-    return OVC_Convert(from.handle(), to.handle()) == ORV_OK;
-}
 
 // "dup ave med", "dup" or "dup, phase a only": what a Bayer pair offers.
 std::string offered_methods(const FormatInfo &source,
@@ -48,6 +35,36 @@ std::string offered_methods(const FormatInfo &source,
 
 } // namespace
 
+std::string deinterlace_methods_text() {
+    std::vector<std::string> taken(kFieldMethods.size());
+    std::string every;
+    for (const FormatInfo &format : kFormats) {
+        if (format.bits_per_pixel == 0)
+            continue;
+        every += " " + std::string(format.name);
+        for (size_t m = 0; m < kFieldMethods.size(); ++m)
+            if (library_deinterlaces(format, kFieldMethods[m].value))
+                taken[m] += " " + std::string(format.name);
+    }
+    // Methods that take the same formats share one entry.
+    std::string text;
+    std::vector<bool> listed(kFieldMethods.size());
+    for (size_t m = 0; m < kFieldMethods.size(); ++m) {
+        if (listed[m])
+            continue;
+        std::string methods;
+        for (size_t other = m; other < kFieldMethods.size(); ++other)
+            if (taken[other] == taken[m]) {
+                listed[other] = true;
+                methods += (methods.empty() ? "" : ", ") +
+                           std::string(kFieldMethods[other].name);
+            }
+        text += (text.empty() ? "" : "; ") + methods + ":" +
+                (taken[m] == every ? std::string(" every format") : taken[m]);
+    }
+    return text;
+}
+
 int run_formats() {
     std::printf("Pixel formats (name, code, bits per pixel, layout):\n");
     for (const FormatInfo &format : kFormats) {
@@ -73,6 +90,9 @@ int run_formats() {
         std::printf("  %-7s ->%s\n", source.name,
                     line.empty() ? " (none: not a source)" : line.c_str());
     }
+    std::printf("\nDe-interlace methods (as OVC_FieldToFrame answers):\n  "
+                "%s\n",
+                deinterlace_methods_text().c_str());
     return 0;
 }
 

@@ -49,9 +49,18 @@ public:
     }
     uint64_t pixels() const { return uint64_t{width_} * height_; }
 
+    // Bits of each sample that carry the picture: the format's depth,
+    // unless the samples came from a shallower format unscaled (8-bit grey
+    // widened into BGR48 keeps values up to 255). Files record it as their
+    // maxval or scale the samples to it.
+    unsigned significant_bits() const { return significant_bits_; }
+    void set_significant_bits(unsigned bits) { significant_bits_ = bits; }
+
     // Records the demosaic method and phase that OVC_Convert reads from a
     // Bayer source.
     void set_bayer(uint32_t method, uint32_t phase);
+    uint32_t bayer_method() const { return bayer_method_; }
+    uint32_t bayer_phase() const { return bayer_phase_; }
 
 private:
     void release();
@@ -59,29 +68,44 @@ private:
     std::vector<uint8_t> memory_;
     const FormatInfo *format_;
     uint32_t width_, height_, stride_;
+    unsigned significant_bits_;
+    uint32_t bayer_method_ = 0, bayer_phase_ = 0;
     OFS_HANDLE handle_;
 };
 
 // An image of `format` with the geometry of `source` and unpadded lines.
 Image packed_image(const FormatInfo &format, uint32_t width, uint32_t height);
 
-// OVC_Convert(source, destination); a refusal becomes a ToolError that
-// names `subject`, both formats and the library's status.
-void convert_into(const Image &source, Image &destination,
-                  const std::string &subject);
-// A new image of `target`, converted from `source`.
+// A new image of `target`, converted from `source` by OVC_Convert; a
+// refusal becomes a ToolError that names `subject`, both formats and the
+// library's status. Mosaics whose demosaic would read past a line or
+// reach the known wrong sites are widened first and cropped after (see
+// image.cpp).
 Image convert(const Image &source, const FormatInfo &target,
               const std::string &subject);
+// OVC_Convert(source, destination) as it stands, for the demo's timings.
+void convert_into(const Image &source, Image &destination,
+                  const std::string &subject);
 
 // Whether OVC_Convert converts `source` into `destination`, asked with
 // zero-height images: the library checks the pair and converts nothing.
 // Bayer sources carry no method, so the demosaic routines are never run
 // and a pair they serve answers ORV_ERROR_NOT_IMPLEMENTED.
 bool library_converts(const FormatInfo &source, const FormatInfo &destination);
+// Whether the pair demosaics with `method` and `phase`, asked with a real
+// 2 x 2 mosaic: a pair that does not offer them answers
+// ORV_ERROR_NOT_IMPLEMENTED.
+bool demosaic_offered(const FormatInfo &source, const FormatInfo &destination,
+                      uint32_t method, uint32_t phase);
+// Whether OVC_FieldToFrame de-interlaces fields of `format` by `method`,
+// asked with a small field.
+bool library_deinterlaces(const FormatInfo &format, uint32_t method);
 
 // The frame of 2 x height lines that OVC_FieldToFrame rebuilds from
 // `field`, same format and line length.
 Image frame_for(const Image &field);
+// OVC_FieldToFrame(field, frame, method, parity); the 32-bit Median
+// method goes a field line pair at a time (see image.cpp).
 void field_to_frame(const Image &field, Image &frame, uint32_t method,
                     uint32_t parity, const std::string &subject);
 

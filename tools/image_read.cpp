@@ -32,7 +32,9 @@ public:
         }
         if (!S_ISREG(info.st_mode)) {
             std::fclose(file_);
-            throw ToolError(path + ": not a regular file");
+            throw ToolError(path + (S_ISDIR(info.st_mode)
+                                        ? ": is a directory, not an image file"
+                                        : ": not a regular file"));
         }
         size_ = static_cast<uint64_t>(info.st_size);
     }
@@ -80,22 +82,14 @@ std::string geometry_text(uint32_t width, uint32_t height,
            format.name;
 }
 
-bool has_extension(const std::string &path, const char *extension) {
-    std::string::size_type dot = path.find_last_of("./");
-    if (dot == std::string::npos || path[dot] != '.')
-        return false;
-    std::string tail = path.substr(dot + 1);
-    for (char &c : tail)
-        c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-    return tail == extension;
-}
-
 bool is_pnm_path(const std::string &path) {
-    return has_extension(path, "pgm") || has_extension(path, "ppm") ||
-           has_extension(path, "pnm");
+    std::string extension = extension_of(path);
+    return extension == "pgm" || extension == "ppm" || extension == "pnm";
 }
 
-Image read_raw(const std::string &path, const InputDescription &input) {
+Image read_raw(const std::string &path, const InputDescription &input,
+               const Warn &warn) {
+    InputFile file(path);
     check_raw_input(input, path);
     const FormatInfo &format = *input.format;
     uint32_t width = *input.width, height = *input.height;
@@ -108,8 +102,12 @@ Image read_raw(const std::string &path, const InputDescription &input) {
         throw ToolError(path + ": " + what + " exceeds the limit of " +
                         std::to_string(kMaxImageBytes) + " bytes");
 
-    InputFile file(path);
     file.require(stride * height, what);
+    if (file.size() > stride * height)
+        warn(path + ": the file holds " + std::to_string(file.size()) +
+             " bytes, " + what + " reads the first " +
+             std::to_string(stride * height) +
+             " (check --width, --height and --stride)");
     Image image = packed_image(format, width, height);
     for (uint32_t y = 0; y < height; ++y) {
         file.read(image.line(y), static_cast<size_t>(line));
@@ -179,61 +177,83 @@ const FormatInfo &natural_format(const PnmHeader &header) {
                                              : ORV_FORMAT_Y16);
 }
 
-// A grey PGM can also carry a Bayer mosaic (or grey of another depth):
-// --format names the format when its samples have the file's size.
-const FormatInfo &pnm_format(const PnmHeader &header, const InputDescription &input,
+// --format re-reads a PGM's samples in any format of one sample a pixel
+// (a Bayer mosaic, grey of another depth), a PPM's in any of R, G and B.
+const FormatInfo &pnm_format(const PnmHeader &header,
+                             const InputDescription &input,
                              const std::string &path) {
-    const FormatInfo &natural = natural_format(header);
-    if (!input.format || input.format == &natural)
-        return natural;
+    if (!input.format)
+        return natural_format(header);
     const FormatInfo &wanted = *input.format;
-    bool one_sample = wanted.family == Family::bayer ||
-                      wanted.samples.channels == 1;
-    if (header.colour || !one_sample ||
-        wanted.bits_per_pixel != natural.bits_per_pixel)
-        throw ToolError(path + ": --format " + wanted.name + " does not fit " +
-                        (header.colour ? "a PPM" : "a PGM") + " of " +
-                        (natural.bits_per_pixel > 8 ? "16" : "8") +
-                        "-bit samples");
-    return wanted;
+    unsigned channels = header.colour ? 3 : 1;
+    if (wanted.samples.channels == channels)
+        return wanted;
+    std::string fitting;
+    for (const FormatInfo &format : kFormats)
+        if (format.samples.channels == channels)
+            fitting += (fitting.empty() ? "" : ", ") + std::string(format.name);
+    throw UsageError(path + ": --format " + wanted.name + " does not fit a " +
+                     (header.colour ? "PPM, which holds R, G and B samples"
+                                    : "PGM, which holds one sample") +
+                     " a pixel (" + fitting + " do)");
 }
 
-// PGM/PPM samples are big-endian and R, G, B; the image's are
-// little-endian and B, G, R.
-void store_line(const uint8_t *in, uint8_t *out, uint32_t width,
-                bool colour, bool wide) {
-    size_t sample = wide ? 2 : 1;
-    size_t channels = colour ? 3 : 1;
-    for (uint32_t x = 0; x < width; ++x) {
-        for (size_t c = 0; c < channels; ++c) {
-            const uint8_t *from = in + (x * channels + c) * sample;
-            uint8_t *to = out + (x * channels + (colour ? 2 - c : c)) * sample;
-            if (wide) {
-                to[0] = from[1];
-                to[1] = from[0];
-            } else {
-                to[0] = from[0];
+// PGM/PPM samples are big-endian, in the order grey or R, G, B, and count
+// up to the file's maxval; the image's sit where its layout puts them,
+// little-endian, and count up to its depth's full range.
+class SampleStore {
+public:
+    SampleStore(const PnmHeader &header, const FormatInfo &format,
+                const std::string &path)
+        : path_(path), maxval_(header.maxval),
+          full_((uint32_t{1} << format.depth) - 1),
+          wide_(header.maxval > 255), layout_(format.samples),
+          pixel_bytes_(format.bits_per_pixel / 8) {}
+
+    void line(const uint8_t *in, Image &image, uint32_t y) const {
+        uint8_t *out = image.line(y);
+        for (uint32_t x = 0; x < image.width(); ++x, out += pixel_bytes_)
+            for (size_t c = 0; c < layout_.channels; ++c, in += wide_ ? 2 : 1) {
+                uint32_t v = wide_ ? uint32_t{in[0]} << 8 | in[1] : in[0];
+                if (v > maxval_)
+                    throw ToolError(path_ + ": sample " + std::to_string(v) +
+                                    " at (" + std::to_string(x) + ", " +
+                                    std::to_string(y) + ") exceeds the maxval " +
+                                    std::to_string(maxval_));
+                if (maxval_ != full_)
+                    v = static_cast<uint32_t>(
+                        (uint64_t{v} * full_ + maxval_ / 2) / maxval_);
+                uint8_t *sample = out + layout_.offset[c];
+                sample[0] = static_cast<uint8_t>(v);
+                if (layout_.sample_bytes == 2)
+                    sample[1] = static_cast<uint8_t>(v >> 8);
             }
-        }
     }
-}
+
+private:
+    const std::string &path_;
+    const uint32_t maxval_, full_;
+    const bool wide_;
+    const SampleLayout &layout_;
+    const size_t pixel_bytes_;
+};
 
 Image read_pnm(const std::string &path, const InputDescription &input) {
     InputFile file(path);
     PnmHeader header = read_pnm_header(file, path);
     check_geometry(path, header.width, header.height);
     const FormatInfo &format = pnm_format(header, input, path);
-    bool wide = header.maxval > 255;
-    size_t line = size_t{header.width} * (header.colour ? 3 : 1) * (wide ? 2 : 1);
+    size_t line = size_t{header.width} * (header.colour ? 3 : 1) *
+                  (header.maxval > 255 ? 2 : 1);
     file.require(uint64_t{line} * header.height,
                  geometry_text(header.width, header.height, format));
 
     Image image = packed_image(format, header.width, header.height);
+    SampleStore store(header, format, path);
     std::vector<uint8_t> buffer(line);
     for (uint32_t y = 0; y < header.height; ++y) {
         file.read(buffer.data(), line);
-        store_line(buffer.data(), image.line(y), header.width, header.colour,
-                   wide);
+        store.line(buffer.data(), image, y);
     }
     return image;
 }
@@ -260,10 +280,29 @@ void check_raw_input(const InputDescription &input, const std::string &path) {
                          " pixels (" + std::to_string(line) + " bytes)");
 }
 
+std::string extension_of(const std::string &path) {
+    std::string::size_type dot = path.find_last_of("./");
+    if (dot == std::string::npos || path[dot] != '.')
+        return {};
+    return lower_case(path.substr(dot + 1));
+}
+
 bool is_raw_input(const std::string &path) { return !is_pnm_path(path); }
 
-Image read_image(const std::string &path, const InputDescription &input) {
-    Image image = is_pnm_path(path) ? read_pnm(path, input) : read_raw(path, input);
+const FormatInfo &input_format(const std::string &path,
+                               const InputDescription &input) {
+    InputFile file(path);
+    if (!is_pnm_path(path)) {
+        check_raw_input(input, path);
+        return *input.format;
+    }
+    return pnm_format(read_pnm_header(file, path), input, path);
+}
+
+Image read_image(const std::string &path, const InputDescription &input,
+                 const Warn &warn) {
+    Image image = is_pnm_path(path) ? read_pnm(path, input)
+                                    : read_raw(path, input, warn);
     if (image.format().family == Family::bayer)
         image.set_bayer(input.bayer_method, input.bayer_phase);
     return image;

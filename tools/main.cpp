@@ -23,9 +23,14 @@ using namespace orvtool;
 void add_input_options(CLI::App &command, InputOptions &input) {
     command
         .add_option("--format", input.format,
-                    "Pixel format of a raw dump (bay8, bay12, yuv422, y16, "
-                    "...; `orvane formats` lists them). With a PGM it "
-                    "re-reads the samples, e.g. as a Bayer mosaic")
+                    "Pixel format of a raw dump, any case (`orvane formats` "
+                    "lists them). yuv422 is decoded as full-range BT.601 (Y "
+                    "0-255, U and V centred on 128, as in JPEG; not the "
+                    "16-235 range of video). y12p packs two 12-bit pixels in "
+                    "3 bytes: bits 11-4 of the first; bits 3-0 of the first "
+                    "(high nibble) and 11-8 of the second (low nibble); bits "
+                    "7-0 of the second. With a PGM or PPM file, --format "
+                    "re-reads its samples: a PGM as a Bayer mosaic, say")
         ->group("Input");
     command.add_option("--width", input.width, "Width of a raw dump in pixels")
         ->group("Input");
@@ -41,28 +46,58 @@ void add_input_options(CLI::App &command, InputOptions &input) {
 void add_bayer_options(CLI::App &command, InputOptions &input) {
     command
         .add_option("--method", input.bayer_method,
-                    "Demosaic method of a Bayer input: " + choices(kBayerMethods))
-        ->capture_default_str()
+                    "Demosaic method of a Bayer input (default med): " +
+                        choices(kBayerMethods))
         ->group("Input");
     command
         .add_option("--phase", input.bayer_phase,
-                    "Colour phase of a Bayer input, the top-left cell: "
-                    "a = RG/GB, b = GR/BG, c = GB/RG, d = BG/GR")
-        ->capture_default_str()
+                    "Colour phase of a Bayer input, the top-left cell "
+                    "(default a): a = RG/GB, b = GR/BG, c = GB/RG, d = BG/GR")
         ->group("Input");
 }
 
-const char *kOutputHelp =
-    "Output file; its extension chooses the writer: .png (8/16-bit grey or "
-    "RGB), .pgm/.ppm, .tif/.tiff (the library's TIFF writer: 8-bit grey, or "
-    "BGR24 in its historic layout: B, G, R bytes as written in memory and "
-    "one third of each line), .raw (the library's raw dump)";
+void add_output_options(CLI::App &command, std::string &to,
+                        bool &library_tiff) {
+    command.add_option(
+        "--to", to,
+        "Pixel format to convert to before writing. Default: the input's "
+        "own format when the file holds it; otherwise grey stays grey, "
+        "samples deeper than 8 bits stay 16-bit where the file allows, and "
+        "colour becomes BGR24 (a Bayer mosaic is demosaiced)");
+    command.add_flag(
+        "--library-tiff", library_tiff,
+        "Write .tif/.tiff with the library's own TIFF writer "
+        "(OVC_FileWriteTiff): 8-bit grey files that any reader takes, or "
+        "BGR24 files that keep B, G, R byte order and only the first third "
+        "of each line, which other programs show wrongly");
+}
 
-const char *kToHelp =
-    "Convert to this format before writing (default: the input's own format "
-    "if the output holds it, else the first the library converts it into "
-    "of: 8-bit grey for a TIFF, 16-bit grey for a PGM of deep samples, "
-    "8-bit grey for a PGM, BGR48 for deep samples, BGR24)";
+const char *kOutputHelp =
+    "Output file; its extension chooses the file type: .png or .tif/.tiff "
+    "(grey or RGB, 8 or 16 bits), .pgm/.ppm (a PGM also keeps a Bayer "
+    "mosaic's samples), .raw (the pixels as they lie in memory, written by "
+    "OVC_FileWrite)";
+
+std::string input_limits() {
+    return "Inputs hold at most " + std::to_string(kMaxSide) +
+           " pixels a side and " + std::to_string(kMaxPixels) +
+           " pixels in all.\n";
+}
+
+// CLI11 reads an unknown command as a stray argument; the tool names it.
+void check_command(int argc, char **argv, const CLI::App &app) {
+    if (argc >= 2 && argv[1][0] == '-')
+        return;
+    std::string names;
+    for (const CLI::App *command : app.get_subcommands({})) {
+        if (argc >= 2 && command->check_name(argv[1]))
+            return;
+        names += (names.empty() ? "" : ", ") + command->get_name();
+    }
+    std::string given =
+        argc < 2 ? "no command" : "unknown command '" + std::string(argv[1]) + "'";
+    throw UsageError(given + " (one of " + names + "; see orvane --help)");
+}
 
 int run(int argc, char **argv) {
     CLI::App app{"orvane " ORVANE_VERSION
@@ -78,8 +113,10 @@ int run(int argc, char **argv) {
                OVC_InstructionSet();
     });
     app.require_subcommand(1);
-    app.footer("Exit status: 0 done, 1 a file or the library refused the "
-               "work, 2 bad command line.");
+    app.footer("Exit status: 0 done, 1 a file could not be read or written "
+               "or the library refused the work, 2 a bad command line "
+               "(including a conversion the library does not offer for the "
+               "inputs' format).\n");
 
     std::string demo_directory = "orvane-demo";
     CLI::App *demo = app.add_subcommand(
@@ -94,6 +131,7 @@ int run(int argc, char **argv) {
         "convert", "Convert raw dumps and PGM/PPM files with OVC_Convert. "
                    "Several inputs go to a directory and are converted in "
                    "parallel");
+    convert_command->footer(input_limits());
     convert_command->add_option("IN", convert.inputs, "Input files: raw dumps "
                                                       "or .pgm/.ppm")
         ->required();
@@ -101,11 +139,10 @@ int run(int argc, char **argv) {
                                 std::string(kOutputHelp) +
                                     "; or a directory for several inputs")
         ->required();
-    convert_command->add_option("--to", convert.to, kToHelp);
-    convert_command
-        ->add_option("--ext", convert.extension,
-                     "File type written into an output directory")
-        ->capture_default_str();
+    add_output_options(*convert_command, convert.to, convert.library_tiff);
+    convert_command->add_option("--ext", convert.extension,
+                                "File type written into an output directory "
+                                "(default png)");
     convert_command->add_option("-j,--jobs", convert.jobs,
                                 "Parallel conversions (default: one per core)");
     add_input_options(*convert_command, convert.input);
@@ -115,29 +152,34 @@ int run(int argc, char **argv) {
     CLI::App *deinterlace_command = app.add_subcommand(
         "deinterlace", "Rebuild a full frame from one interlaced field with "
                        "OVC_FieldToFrame");
+    deinterlace_command->footer(input_limits());
     deinterlace_command->add_option("IN", deinterlace.in, "The field: a raw "
                                                           "dump or .pgm/.ppm")
         ->required();
     deinterlace_command->add_option("-o,--output", deinterlace.output,
                                     kOutputHelp)
         ->required();
-    deinterlace_command
-        ->add_option("--method", deinterlace.method,
-                     "How the lines between are filled: " +
-                         choices(kFieldMethods))
-        ->capture_default_str();
+    deinterlace_command->add_option(
+        "--method", deinterlace.method,
+        "How the lines between are filled: " + choices(kFieldMethods) +
+            ". Default: bilinear where the format allows, else linedup. "
+            "Formats each takes: " + deinterlace_methods_text() +
+            ". Bilinear leaves flat areas one level darker (its weights sum "
+            "to 510/512); lineave averages bytes, so it suits 8-bit samples");
     deinterlace_command
         ->add_option("--parity", deinterlace.parity,
                      "Which frame lines the field holds: even (0, 2, ...) or "
                      "odd (1, 3, ...)")
         ->required();
-    deinterlace_command->add_option("--to", deinterlace.to, kToHelp);
+    add_output_options(*deinterlace_command, deinterlace.to,
+                       deinterlace.library_tiff);
     add_input_options(*deinterlace_command, deinterlace.input);
 
     app.add_subcommand("formats",
                        "List the pixel formats, and what converts into what "
                        "as OVC_Convert answers");
 
+    check_command(argc, argv, app);
     try {
         app.parse(argc, argv);
     } catch (const CLI::CallForHelp &e) {
@@ -151,8 +193,14 @@ int run(int argc, char **argv) {
         return kExitUsage;
     }
 
-    if (*demo)
-        return run_demo(demo_directory);
+    if (*demo) {
+        // A name without a slash was found on PATH; a path is what the
+        // user typed, and works from where they stand.
+        std::string command = argv[0];
+        return run_demo(demo_directory,
+                        command.find('/') == std::string::npos ? "orvane"
+                                                               : command);
+    }
     if (*convert_command)
         return run_convert(convert);
     if (*deinterlace_command)

@@ -8,13 +8,16 @@
 #include <fcntl.h>
 #include <pthread.h>
 #include <signal.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <array>
 #include <atomic>
 #include <cerrno>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <mutex>
 
 namespace orvtool {
@@ -83,15 +86,96 @@ private:
     sigset_t previous_;
 };
 
+// `path` with its symbolic links followed, however deep; a dangling link
+// gives the path it names, where the file is then created.
+std::string followed_links(const std::string &path) {
+    constexpr int kMostLinks = 40;
+    std::filesystem::path current = path;
+    for (int depth = 0; depth < kMostLinks; ++depth) {
+        std::error_code error;
+        if (!std::filesystem::is_symlink(
+                std::filesystem::symlink_status(current, error)))
+            return current.string();
+        std::filesystem::path link = std::filesystem::read_symlink(current, error);
+        if (error)
+            return current.string();
+        current = link.is_absolute() ? link : current.parent_path() / link;
+    }
+    throw write_error(path, ELOOP);
+}
+
+std::string temporary_directory() {
+    const char *directory = std::getenv("TMPDIR");
+    std::string path = directory && *directory ? directory : "/tmp";
+    return path.back() == '/' ? path : path + "/";
+}
+
+// Copies the file at `from` into the FIFO or device `to`.
+void copy_into(const std::string &from, const std::string &to,
+               const std::string &target) {
+    int in = open(from.c_str(), O_RDONLY | O_CLOEXEC);
+    if (in < 0)
+        throw write_error(target, errno);
+    int out = open(to.c_str(), O_WRONLY | O_CLOEXEC);
+    if (out < 0) {
+        int error = errno;
+        close(in);
+        throw write_error(target, error);
+    }
+    char buffer[1 << 16];
+    int error = 0;
+    for (;;) {
+        ssize_t got = read(in, buffer, sizeof buffer);
+        if (got < 0 && errno == EINTR)
+            continue;
+        if (got <= 0) {
+            error = got < 0 ? errno : 0;
+            break;
+        }
+        for (ssize_t put = 0; put < got && error == 0;) {
+            ssize_t wrote = write(out, buffer + put, static_cast<size_t>(got - put));
+            if (wrote < 0 && errno != EINTR)
+                error = errno;
+            else if (wrote > 0)
+                put += wrote;
+        }
+        if (error != 0)
+            break;
+    }
+    close(in);
+    if (close(out) != 0 && error == 0)
+        error = errno;
+    if (error != 0)
+        throw write_error(target, error);
+}
+
 } // namespace
 
-PendingFile::PendingFile(std::string target) : target_(std::move(target)) {
+PendingFile::PendingFile(std::string target)
+    : target_(std::move(target)), destination_(target_) {
     static std::atomic<unsigned> counter{0};
-    std::string::size_type slash = target_.rfind('/');
+    struct stat info {};
+    if (stat(target_.c_str(), &info) == 0) {
+        if (S_ISDIR(info.st_mode))
+            throw write_error(target_, EISDIR);
+        copied_in_ = S_ISFIFO(info.st_mode) || S_ISCHR(info.st_mode) ||
+                     S_ISBLK(info.st_mode);
+        if (!copied_in_ && !S_ISREG(info.st_mode))
+            throw ToolError(target_ + ": cannot write: not a file, FIFO or "
+                                      "device");
+    }
+    // A FIFO or a device is opened through its links; a file is replaced
+    // where the links end.
+    if (!copied_in_)
+        destination_ = followed_links(target_);
+    std::string::size_type slash = destination_.rfind('/');
     std::string directory =
-        slash == std::string::npos ? "" : target_.substr(0, slash + 1);
-    std::string name =
-        slash == std::string::npos ? target_ : target_.substr(slash + 1);
+        slash == std::string::npos ? "" : destination_.substr(0, slash + 1);
+    std::string name = slash == std::string::npos
+                           ? destination_
+                           : destination_.substr(slash + 1);
+    if (copied_in_)
+        directory = temporary_directory();
     InterruptsBlocked blocked;
     for (;;) {
         path_ = directory + "." + name + ".orvane-" + std::to_string(getpid()) +
@@ -104,24 +188,26 @@ PendingFile::PendingFile(std::string target) : target_(std::move(target)) {
             return;
         }
         if (errno != EEXIST)
-            throw ToolError(target_ + ": cannot write: " +
-                            system_message(errno));
+            throw write_error(target_, errno);
     }
 }
 
 // Removed before its slot is released: a signal in between finds the path
 // gone, which is harmless, rather than a file it does not know of.
 PendingFile::~PendingFile() {
-    if (!committed_)
+    if (!renamed_)
         std::remove(path_.c_str());
     release_slot(slot_);
 }
 
 void PendingFile::commit() {
-    if (std::rename(path_.c_str(), target_.c_str()) != 0)
-        throw ToolError(target_ + ": cannot rename into place: " +
-                        system_message(errno));
-    committed_ = true;
+    if (copied_in_) {
+        copy_into(path_, destination_, target_);
+        return;
+    }
+    if (std::rename(path_.c_str(), destination_.c_str()) != 0)
+        throw write_error(target_, errno);
+    renamed_ = true;
 }
 
 void remove_pending_files_on_signal() {

@@ -61,23 +61,25 @@ const std::array<FormatInfo, 30> kFormats = {{
     {"y14", ORV_FORMAT_Y14, 16, 14, Family::grey, "grey, u16, 14 significant bits",
      grey(2)},
     {"bay8", ORV_FORMAT_BAY8, 8, 8, Family::bayer, "Bayer mosaic, 1 byte",
-     kNoSamples},
+     grey(1)},
     {"bay10", ORV_FORMAT_BAY10, 16, 10, Family::bayer, "Bayer mosaic, u16, depth 10",
-     kNoSamples},
+     grey(2)},
     {"bay12", ORV_FORMAT_BAY12, 16, 12, Family::bayer, "Bayer mosaic, u16, depth 12",
-     kNoSamples},
+     grey(2)},
     {"bay14", ORV_FORMAT_BAY14, 16, 14, Family::bayer, "Bayer mosaic, u16, depth 14",
-     kNoSamples},
+     grey(2)},
     {"bay16", ORV_FORMAT_BAY16, 16, 16, Family::bayer, "Bayer mosaic, u16, depth 16",
-     kNoSamples},
+     grey(2)},
     {"y12p", ORV_FORMAT_Y12P, 12, 12, Family::grey,
-     "12-bit grey, 2 pixels in 3 bytes", kNoSamples},
+     "12-bit grey, 2 pixels in 3 bytes: bits 11-4 of the first; bits 3-0 of "
+     "the first (high nibble) and 11-8 of the second; bits 7-0 of the second",
+     kNoSamples},
     {"bgr36", ORV_FORMAT_BGR36, 48, 12, Family::colour,
      "three u16: B, G, R, 12 bits each", rgb(2, 4, 2, 0)},
     {"1d", ORV_FORMAT_1D, 48, 16, Family::grey, "three u16, all equal for grey",
      kNoSamples},
     {"yuv422", ORV_FORMAT_YUV422, 16, 8, Family::yuv,
-     "Y0 U Y1 V per pair of pixels", kNoSamples},
+     "Y0 U Y1 V per pair of pixels, full-range BT.601", kNoSamples},
 }};
 
 const std::array<NamedValue, 3> kBayerMethods = {{
@@ -105,10 +107,15 @@ const std::array<NamedValue, 2> kFieldParities = {{
     {"odd", 0},
 }};
 
-const FormatInfo *find_format(std::string_view name_or_code) {
-    std::string lower(name_or_code);
+std::string lower_case(std::string_view text) {
+    std::string lower(text);
     for (char &c : lower)
         c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    return lower;
+}
+
+const FormatInfo *find_format(std::string_view name_or_code) {
+    std::string lower = lower_case(name_or_code);
     for (const FormatInfo &format : kFormats)
         if (lower == format.name)
             return &format;

@@ -16,10 +16,11 @@
 
 namespace orvtool {
 
-// Where the file writers find the samples of one pixel: one grey sample or
-// R, G and B, each 1 byte or a little-endian u16, at fixed byte offsets.
-// channels == 0 marks a layout that no image file holds directly (packed
-// words, Bayer mosaics, YUV): such images are converted first.
+// Where the file readers and writers find the samples of one pixel: one
+// grey sample or R, G and B, each 1 byte or a little-endian u16, at fixed
+// byte offsets. A Bayer mosaic has one sample a pixel too, which PGM and
+// raw files keep as it is. channels == 0 marks a layout that no image file
+// holds directly (packed words, YUV): such images are converted first.
 struct SampleLayout {
     uint8_t channels;     // 0, 1 (grey) or 3 (R, G, B)
     uint8_t sample_bytes; // 1 or 2
@@ -62,11 +63,16 @@ extern const std::array<NamedValue, 4> kFieldMethods;
 // even frame lines.
 extern const std::array<NamedValue, 2> kFieldParities;
 
+// `text` in lower case (ASCII): every name on the command line takes any
+// case.
+std::string lower_case(std::string_view text);
+
 template <size_t N>
 const NamedValue *find_name(const std::array<NamedValue, N> &table,
                             std::string_view name) {
+    std::string lower = lower_case(name);
     for (const NamedValue &entry : table)
-        if (name == entry.name)
+        if (lower == entry.name)
             return &entry;
     return nullptr;
 }
