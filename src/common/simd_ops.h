@@ -83,6 +83,9 @@ struct Ops {
     template <int N> static V sll32(V v) { return _mm512_slli_epi32(v, N); }
     template <int N> static V sra32(V v) { return _mm512_srai_epi32(v, N); }
     static V madd16(V a, V b) { return _mm512_madd_epi16(a, b); }
+    // Unsigned bytes of a times signed bytes of b, adjacent products
+    // added into 16-bit lanes (with signed saturation).
+    static V maddubs16(V a, V b) { return _mm512_maddubs_epi16(a, b); }
     // Signed saturating pack of 32-bit lanes into 16-bit ones, lane by
     // lane: lane j holds a's lane j, then b's lane j.
     static V packs32(V a, V b) { return _mm512_packs_epi32(a, b); }
@@ -170,6 +173,7 @@ struct Ops {
     template <int N> static V sll32(V v) { return _mm256_slli_epi32(v, N); }
     template <int N> static V sra32(V v) { return _mm256_srai_epi32(v, N); }
     static V madd16(V a, V b) { return _mm256_madd_epi16(a, b); }
+    static V maddubs16(V a, V b) { return _mm256_maddubs_epi16(a, b); }
     static V packs32(V a, V b) { return _mm256_packs_epi32(a, b); }
     static V packus16(V a, V b) { return _mm256_packus_epi16(a, b); }
     static V unpacklo8(V a, V b) { return _mm256_unpacklo_epi8(a, b); }

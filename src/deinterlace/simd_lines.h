@@ -1,8 +1,10 @@
 // The vector twins of the mean line and of the runs of neighbourhood
 // values (the weighted kernel's and the median's), written once over
-// simd::Ops: Ops::W bytes a step while a whole step fits, then the plain
-// byte loop for the rest. Included only by the SIMD
-// files, each of which builds its table with them.
+// simd::Ops: Ops::W bytes a step while a whole step fits, then one last
+// step that ends where the run ends, over bytes already written, which it
+// writes again with the same values. Runs shorter than a step are done by
+// the plain byte loop. Included only by the SIMD files, each of which
+// builds its table with them.
 #ifndef ORVANE_DEINTERLACE_SIMD_LINES_H
 #define ORVANE_DEINTERLACE_SIMD_LINES_H
 
@@ -13,21 +15,29 @@ namespace orv {
 inline namespace ORV_ISA {
 namespace field_lines {
 
+// The step after the one at i, on the way to the last step at `last`: W
+// bytes on, or the last step where fewer than W bytes are left before it.
+template <class Ops> uint32_t next_step(uint32_t i, uint32_t last) {
+    return last - i > Ops::W ? i + Ops::W : last;
+}
+
 // average_lines' twin. The average of two bytes rounded up, less one where
 // their sum is odd, is their mean rounded down.
 template <class Ops>
 uintptr_t vector_average_lines(const uint8_t *above, uint32_t stride,
                                uint8_t *out) {
     const uint8_t *below = advance(above, stride);
-    const typename Ops::V one = Ops::splat8(1);
-    uint32_t i = 0;
-    for (; stride - i >= Ops::W; i += Ops::W) {
-        const typename Ops::V x = Ops::load(above + i), y = Ops::load(below + i);
-        const typename Ops::V odd = Ops::and_(Ops::xor_(x, y), one);
-        Ops::store(out + i, Ops::sub8(Ops::avg8(x, y), odd));
+    if (stride < Ops::W) {
+        mean_run(above, below, 0, stride, out);
+        return stride;
     }
-    mean_run(above, below, i, stride, out);
-    return stride;
+    const uint32_t last = stride - Ops::W;
+    for (uint32_t i = 0;; i = next_step<Ops>(i, last)) {
+        const typename Ops::V x = Ops::load(above + i), y = Ops::load(below + i);
+        const typename Ops::V odd = Ops::and_(Ops::xor_(x, y), Ops::splat8(1));
+        Ops::store(out + i, Ops::sub8(Ops::avg8(x, y), odd));
+        if (i == last) return stride;
+    }
 }
 
 // A step's side neighbours in one field line, as Spacing places them.
@@ -39,12 +49,16 @@ template <class Ops, uint32_t D> struct VectorSides<Ops, Apart<D>> {
         left = Ops::load(p + i - D);
         right = Ops::load(p + i + D);
     }
+    // Where the last step of the run [begin, end) starts: it ends with it.
+    static uint32_t last_step(uint32_t, uint32_t end) { return end - Ops::W; }
 };
 
 // Steps start on even bytes, so the even bytes of a vector are luma. A
 // step ends on a chroma byte and the run on a luma byte, so a step inside
 // the run ends on its last chroma byte at the latest, whose right
-// neighbour the plain loop reads too.
+// neighbour the plain loop reads too. The last step starts on an even byte
+// too, so it may end one byte short of the run: a luma byte, left to the
+// byte loop.
 template <class Ops> struct VectorSides<Ops, LumaChroma> {
     using V = typename Ops::V;
     // The bytes of `luma` at even positions, of `chroma` at odd ones.
@@ -56,39 +70,56 @@ template <class Ops> struct VectorSides<Ops, LumaChroma> {
         left = interleave(Ops::load(p + i - 2), Ops::load(p + i - 4));
         right = interleave(Ops::load(p + i + 2), Ops::load(p + i + 4));
     }
+    static uint32_t last_step(uint32_t begin, uint32_t end) {
+        return begin + ((end - Ops::W - begin) & ~1u);
+    }
 };
 
-// The weighted kernel of W bytes at once.
+// Whether Ops multiplies bytes and adds the products in pairs (from AVX2
+// on; SSE2 widens the bytes first).
+template <class Ops, class = void> constexpr bool multiplies_bytes = false;
+template <class Ops>
+constexpr bool multiplies_bytes<
+    Ops, decltype(void(Ops::maddubs16(Ops::zero(), Ops::zero())))> = true;
+
+// The weighted kernel of W bytes at once, in 16-bit lanes: the bytes of
+// the low and the high half of each 128-bit lane apart, packed back into
+// that lane at the end, so the bytes come out in order.
 template <class Ops> struct VectorWeighted {
     using V = typename Ops::V;
 
-    // The 16-bit sums of the bytes of x and y in the low or the high half
+    // weight (x + y) for the bytes of x and y in the low or the high half
     // of each lane.
-    static V sum_lo(V x, V y) {
-        return Ops::add16(Ops::unpacklo8(x, Ops::zero()),
-                          Ops::unpacklo8(y, Ops::zero()));
+    static V pair_lo(V x, V y, uint8_t weight) {
+        if constexpr (multiplies_bytes<Ops>)
+            return Ops::maddubs16(Ops::unpacklo8(x, y), Ops::splat8(weight));
+        else
+            return Ops::mullo16(Ops::add16(Ops::unpacklo8(x, Ops::zero()),
+                                           Ops::unpacklo8(y, Ops::zero())),
+                                Ops::set16(weight));
     }
-    static V sum_hi(V x, V y) {
-        return Ops::add16(Ops::unpackhi8(x, Ops::zero()),
-                          Ops::unpackhi8(y, Ops::zero()));
+    static V pair_hi(V x, V y, uint8_t weight) {
+        if constexpr (multiplies_bytes<Ops>)
+            return Ops::maddubs16(Ops::unpackhi8(x, y), Ops::splat8(weight));
+        else
+            return Ops::mullo16(Ops::add16(Ops::unpackhi8(x, Ops::zero()),
+                                           Ops::unpackhi8(y, Ops::zero())),
+                                Ops::set16(weight));
     }
 
-    // 105 c + 75 s is 15 (7 c + 5 s); 7 c + 5 s stays below 8671, and the
-    // high half of its product with 1920 is exactly
-    // floor(15 (7 c + 5 s) / 512).
-    static V weighted(V centre, V sides) {
-        const V t = Ops::add16(Ops::mullo16(centre, Ops::set16(7)),
-                               Ops::mullo16(sides, Ops::set16(5)));
+    // 105 c + 75 s is 15 (7 c + 5 s); 7 c + 5 s stays below 8671 (no pair
+    // product saturates), and the high half of its product with 1920 is
+    // exactly floor(15 (7 c + 5 s) / 512).
+    static V scaled(V centre, V left, V right) {
+        const V t = Ops::add16(centre, Ops::add16(left, right));
         return Ops::mulhi16(t, Ops::set16(1920));
     }
 
-    // The sums of each half of a lane are packed back into that lane, so
-    // the bytes come out in order.
     static V of(V al, V ac, V ar, V bl, V bc, V br) {
-        const V lo = weighted(sum_lo(ac, bc),
-                              Ops::add16(sum_lo(al, bl), sum_lo(ar, br)));
-        const V hi = weighted(sum_hi(ac, bc),
-                              Ops::add16(sum_hi(al, bl), sum_hi(ar, br)));
+        const V lo = scaled(pair_lo(ac, bc, 7), pair_lo(al, bl, 5),
+                            pair_lo(ar, br, 5));
+        const V hi = scaled(pair_hi(ac, bc, 7), pair_hi(al, bl, 5),
+                            pair_hi(ar, br, 5));
         return Ops::packus16(lo, hi);
     }
 };
@@ -99,7 +130,8 @@ template <class Ops> struct VectorWeighted {
 // high the largest; the two other lows and the two other highs are the
 // third and fourth smallest's only candidates, and those two are the
 // middle pair of these four. Ties need no care: every step keeps the
-// multiset of values. The mean rounds down as in vector_average_lines.
+// multiset of values. The mean rounds down as in vector_average_lines,
+// and does not need to know which of the pair is the smaller.
 template <class Ops> struct VectorMedian {
     using V = typename Ops::V;
 
@@ -118,31 +150,35 @@ template <class Ops> struct VectorMedian {
         // The middle pair of two ordered pairs.
         const V u = Ops::max8(lows_mid, highs_bottom);
         const V v = Ops::min8(lows_top, highs_mid);
-        const V third = Ops::min8(u, v), fourth = Ops::max8(u, v);
-        const V odd = Ops::and_(Ops::xor_(third, fourth), Ops::splat8(1));
-        return Ops::sub8(Ops::avg8(third, fourth), odd);
+        const V odd = Ops::and_(Ops::xor_(u, v), Ops::splat8(1));
+        return Ops::sub8(Ops::avg8(u, v), odd);
     }
 };
 
 // ByteRuns<Rule>'s twin, Value computing Rule a vector at a time: W bytes
-// a step while the step's last byte is inside the run, then the byte loop.
-// A step's right-hand neighbours end where the plain loop's last ones do
-// or sooner; every shape starts its run far enough into the line for the
-// left-hand neighbours of its first byte.
+// a step while the step's last byte is inside the run, then a last step
+// ending with the run. A step's right-hand neighbours end where the plain
+// loop's last ones do or sooner; every shape starts its run far enough
+// into the line for the left-hand neighbours of its first byte.
 template <class Ops, class Value, class Rule> struct VectorRuns {
     template <class Spacing>
     static void fill(const uint8_t *a, const uint8_t *b, uint32_t begin,
                      uint32_t end, uint8_t *out) {
         using Sides = VectorSides<Ops, Spacing>;
-        uint32_t i = begin;
-        for (; end - i >= Ops::W; i += Ops::W) {
+        if (end - begin < Ops::W) {
+            ByteRuns<Rule>::template fill<Spacing>(a, b, begin, end, out);
+            return;
+        }
+        const uint32_t last = Sides::last_step(begin, end);
+        for (uint32_t i = begin;; i = next_step<Ops>(i, last)) {
             typename Ops::V al, ar, bl, br;
             Sides::load(a, i, al, ar);
             Sides::load(b, i, bl, br);
             Ops::store(out + i, Value::of(al, Ops::load(a + i), ar, bl,
                                           Ops::load(b + i), br));
+            if (i == last) break;
         }
-        ByteRuns<Rule>::template fill<Spacing>(a, b, i, end, out);
+        ByteRuns<Rule>::template fill<Spacing>(a, b, last + Ops::W, end, out);
     }
 };
 
