@@ -58,6 +58,22 @@ struct Ops {
     static V dwords(const uint32_t (&table)[W / 4]) {
         return _mm512_loadu_si512(table);
     }
+    // The W bytes that start D bytes into `cur`, where `next` follows it
+    // in memory, and the W bytes that start D bytes before `cur`, where
+    // `prev` precedes it (0 < D < 16).
+    template <int D> static V after(V cur, V next) {
+        if constexpr (D % 4 == 0)
+            return _mm512_alignr_epi32(next, cur, D / 4);
+        else
+            return _mm512_alignr_epi8(_mm512_alignr_epi64(next, cur, 2), cur, D);
+    }
+    template <int D> static V before(V prev, V cur) {
+        if constexpr (D % 4 == 0)
+            return _mm512_alignr_epi32(cur, prev, 16 - D / 4);
+        else
+            return _mm512_alignr_epi8(cur, _mm512_alignr_epi64(cur, prev, 6),
+                                      16 - D);
+    }
     static V permute_dwords(V v, V index) {
         return _mm512_permutexvar_epi32(index, v);
     }
@@ -148,6 +164,14 @@ struct Ops {
     static V dwords(const uint32_t (&table)[W / 4]) {
         return _mm256_loadu_si256(reinterpret_cast<const __m256i *>(table));
     }
+    template <int D> static V after(V cur, V next) {
+        return _mm256_alignr_epi8(_mm256_permute2x128_si256(cur, next, 0x21),
+                                  cur, D);
+    }
+    template <int D> static V before(V prev, V cur) {
+        return _mm256_alignr_epi8(
+            cur, _mm256_permute2x128_si256(prev, cur, 0x21), 16 - D);
+    }
     static V permute_dwords(V v, V index) {
         return _mm256_permutevar8x32_epi32(v, index);
     }
@@ -208,6 +232,12 @@ struct Ops {
     }
     static void store(uint8_t *p, V v) {
         _mm_storeu_si128(reinterpret_cast<__m128i *>(p), v);
+    }
+    template <int D> static V after(V cur, V next) {
+        return _mm_or_si128(_mm_srli_si128(cur, D), _mm_slli_si128(next, 16 - D));
+    }
+    template <int D> static V before(V prev, V cur) {
+        return _mm_or_si128(_mm_slli_si128(cur, D), _mm_srli_si128(prev, 16 - D));
     }
     static V set16(uint16_t x) { return _mm_set1_epi16(static_cast<short>(x)); }
     static V splat8(uint8_t x) { return _mm_set1_epi8(static_cast<char>(x)); }

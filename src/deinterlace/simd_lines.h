@@ -40,15 +40,17 @@ uintptr_t vector_average_lines(const uint8_t *above, uint32_t stride,
     }
 }
 
-// A step's side neighbours in one field line, as Spacing places them.
+// A step's side neighbours in one field line, as Spacing places them:
+// loaded from the line at byte i (left, right), or shifted in from the
+// vectors of the step before or after (left_of, right_of).
 template <class Ops, class Spacing> struct VectorSides;
 
 template <class Ops, uint32_t D> struct VectorSides<Ops, Apart<D>> {
-    static void load(const uint8_t *p, uint32_t i, typename Ops::V &left,
-                     typename Ops::V &right) {
-        left = Ops::load(p + i - D);
-        right = Ops::load(p + i + D);
-    }
+    using V = typename Ops::V;
+    static V left(const uint8_t *p, uint32_t i) { return Ops::load(p + i - D); }
+    static V right(const uint8_t *p, uint32_t i) { return Ops::load(p + i + D); }
+    static V left_of(V prev, V cur) { return Ops::template before<D>(prev, cur); }
+    static V right_of(V cur, V next) { return Ops::template after<D>(cur, next); }
     // Where the last step of the run [begin, end) starts: it ends with it.
     static uint32_t last_step(uint32_t, uint32_t end) { return end - Ops::W; }
 };
@@ -66,9 +68,19 @@ template <class Ops> struct VectorSides<Ops, LumaChroma> {
         const V even = Ops::set16(0x00FF);
         return Ops::xor_(chroma, Ops::and_(Ops::xor_(chroma, luma), even));
     }
-    static void load(const uint8_t *p, uint32_t i, V &left, V &right) {
-        left = interleave(Ops::load(p + i - 2), Ops::load(p + i - 4));
-        right = interleave(Ops::load(p + i + 2), Ops::load(p + i + 4));
+    static V left(const uint8_t *p, uint32_t i) {
+        return interleave(Ops::load(p + i - 2), Ops::load(p + i - 4));
+    }
+    static V right(const uint8_t *p, uint32_t i) {
+        return interleave(Ops::load(p + i + 2), Ops::load(p + i + 4));
+    }
+    static V left_of(V prev, V cur) {
+        return interleave(Ops::template before<2>(prev, cur),
+                          Ops::template before<4>(prev, cur));
+    }
+    static V right_of(V cur, V next) {
+        return interleave(Ops::template after<2>(cur, next),
+                          Ops::template after<4>(cur, next));
     }
     static uint32_t last_step(uint32_t begin, uint32_t end) {
         return begin + ((end - Ops::W - begin) & ~1u);
@@ -157,28 +169,45 @@ template <class Ops> struct VectorMedian {
 
 // ByteRuns<Rule>'s twin, Value computing Rule a vector at a time: W bytes
 // a step while the step's last byte is inside the run, then a last step
-// ending with the run. A step's right-hand neighbours end where the plain
-// loop's last ones do or sooner; every shape starts its run far enough
-// into the line for the left-hand neighbours of its first byte.
+// ending with the run. Each field line is read a vector a step: while the
+// next step is a whole one, its vector gives this step's right-hand
+// neighbours and this step's gives its left-hand ones; the first step's
+// left-hand and the last two steps' right-hand neighbours are loaded.
+// So a step's right-hand neighbours end where the plain loop's last ones
+// do or sooner; every shape starts its run far enough into the line for
+// the left-hand neighbours of its first byte.
 template <class Ops, class Value, class Rule> struct VectorRuns {
     template <class Spacing>
     static void fill(const uint8_t *a, const uint8_t *b, uint32_t begin,
                      uint32_t end, uint8_t *out) {
         using Sides = VectorSides<Ops, Spacing>;
+        using V = typename Ops::V;
         if (end - begin < Ops::W) {
             ByteRuns<Rule>::template fill<Spacing>(a, b, begin, end, out);
             return;
         }
-        const uint32_t last = Sides::last_step(begin, end);
-        for (uint32_t i = begin;; i = next_step<Ops>(i, last)) {
-            typename Ops::V al, ar, bl, br;
-            Sides::load(a, i, al, ar);
-            Sides::load(b, i, bl, br);
-            Ops::store(out + i, Value::of(al, Ops::load(a + i), ar, bl,
-                                          Ops::load(b + i), br));
-            if (i == last) break;
+        uint32_t i = begin;
+        V al = Sides::left(a, i), bl = Sides::left(b, i);
+        V ac = Ops::load(a + i), bc = Ops::load(b + i);
+        for (; end - i >= 2 * Ops::W; i += Ops::W) {
+            const V an = Ops::load(a + i + Ops::W), bn = Ops::load(b + i + Ops::W);
+            Ops::store(out + i, Value::of(al, ac, Sides::right_of(ac, an), bl,
+                                          bc, Sides::right_of(bc, bn)));
+            al = Sides::left_of(ac, an), bl = Sides::left_of(bc, bn);
+            ac = an, bc = bn;
         }
-        ByteRuns<Rule>::template fill<Spacing>(a, b, last + Ops::W, end, out);
+        Ops::store(out + i, Value::of(al, ac, Sides::right(a, i), bl, bc,
+                                      Sides::right(b, i)));
+        uint32_t done = i + Ops::W;
+        const uint32_t last = Sides::last_step(begin, end);
+        if (last > i) {
+            Ops::store(out + last,
+                       Value::of(Sides::left(a, last), Ops::load(a + last),
+                                 Sides::right(a, last), Sides::left(b, last),
+                                 Ops::load(b + last), Sides::right(b, last)));
+            done = last + Ops::W;
+        }
+        ByteRuns<Rule>::template fill<Spacing>(a, b, done, end, out);
     }
 };
 
