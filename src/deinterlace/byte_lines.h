@@ -12,6 +12,7 @@
 #include "../common/query.h"
 
 #include <cstdint>
+#include <cstring>
 
 namespace orv {
 inline namespace ORV_ISA {
@@ -28,6 +29,15 @@ inline uint8_t vertical_mean(const uint8_t *a, const uint8_t *b, uint32_t i) {
 inline void mean_run(const uint8_t *a, const uint8_t *b, uint32_t begin,
                      uint32_t end, uint8_t *out) {
     for (uint32_t i = begin; i < end; ++i) out[i] = vertical_mean(a, b, i);
+}
+
+// The line twice, one copy after the other: LineDup's copy of a field
+// line and its filled line.
+inline uintptr_t line_twice(const uint8_t *line, uint32_t stride,
+                            uint8_t *out) {
+    std::memmove(out, line, stride);
+    std::memmove(advance(out, stride), line, stride);
+    return stride;
 }
 
 // The mean, rounded down, of each byte and the byte below it. The bytes of
@@ -215,12 +225,14 @@ uintptr_t yuv_line(const uint8_t *a, uint32_t stride, uint8_t *out) {
     return stride;
 }
 
-// The table of this file's instruction set with the mean line `average`,
-// the weighted kernel's runs done by WeightedRuns and the median's by
-// MedianRuns.
+// The table of this file's instruction set with LineDup's pair of copies
+// `twice`, the mean line `average`, the weighted kernel's runs done by
+// WeightedRuns and the median's by MedianRuns.
 template <class WeightedRuns, class MedianRuns>
-constexpr deinterlace::DeinterlaceKernels kernels_with(FillLine average) {
-    return {average,
+constexpr deinterlace::DeinterlaceKernels kernels_with(FillLine twice,
+                                                       FillLine average) {
+    return {twice,
+            average,
             grey_line<WeightedKernel, WeightedRuns>,
             triple_line<WeightedKernel, WeightedRuns>,
             quad_line<WeightedKernel, WeightedRuns>,

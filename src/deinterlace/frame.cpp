@@ -74,8 +74,14 @@ ORV_STATUS write_frame(const Geometry &g, uint32_t parity, LineShape shape) {
     uint8_t *frame = g.frame;
     if (parity == 0) copy_line(field, frame, g.stride);
     for (uint32_t i = 0; i + 1 < g.height; ++i) {
-        copy_line(field, frame, g.stride);
-        const uintptr_t step = shape.fill(field, g.stride, frame);
+        uintptr_t step;
+        if (shape.copy_and_fill != nullptr) {
+            step = shape.copy_and_fill(field, g.stride, frame);
+            frame = advance(frame, g.stride);
+        } else {
+            copy_line(field, frame, g.stride);
+            step = shape.fill(field, g.stride, frame);
+        }
         field = advance(field, step);
         frame = advance(frame, step);
     }

@@ -21,10 +21,14 @@ namespace deinterlace {
 using FillLine = uintptr_t (*)(const uint8_t *above, uint32_t stride,
                                uint8_t *out);
 
-// A method's filled line and the least field stride it handles.
+// A method's filled line and the least field stride it handles. A method
+// whose filled line is a second copy of the line above (LineDup) gives
+// instead `copy_and_fill`, which writes the copy and the filled line in
+// one pass, from `out` on, and returns the filled line's step.
 struct LineShape {
     FillLine fill;
     uint32_t least_stride;
+    FillLine copy_and_fill = nullptr;
 };
 
 struct ShapeChoice {

@@ -1,5 +1,6 @@
-// The table of filled lines that have vector twins: LineAve's mean line
-// and the Y8, 24-bit, 32-bit and YUV 4:2:2 lines of Bilinear and Median.
+// The table of filled lines that have vector twins: LineDup's line and
+// its copy, LineAve's mean line and the Y8, 24-bit, 32-bit and YUV 4:2:2
+// lines of Bilinear and Median.
 //
 // The plain table (kernels.cpp) is the reference. Each SIMD file builds
 // the same table with the mean line and the runs of neighbourhood values
@@ -17,6 +18,7 @@ namespace orv {
 namespace deinterlace {
 
 struct DeinterlaceKernels {
+    FillLine line_twice; // LineDup's copy and filled line in one pass
     FillLine average;
     FillLine bilinear_grey, bilinear_triple, bilinear_quad, bilinear_yuv;
     FillLine median_grey, median_triple, median_quad, median_yuv;

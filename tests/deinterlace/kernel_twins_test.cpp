@@ -1,6 +1,7 @@
 // Every vector twin of a filled line against the plain line, byte for
-// byte, at every level up to the one in use: LineAve's mean line and the
-// Y8, 24-bit, 32-bit and YUV 4:2:2 lines of Bilinear and Median; and the
+// byte, at every level up to the one in use: LineDup's line and its copy,
+// LineAve's mean line and the Y8, 24-bit, 32-bit and YUV 4:2:2 lines of
+// Bilinear and Median; and the
 // median lines at every level against median_of_six over every order and
 // tie pattern of six values. Strides 0 to 70 (every short
 // shape, one whole vector step and the tails after it) and a few long
@@ -23,19 +24,25 @@ using orv::deinterlace::DeinterlaceKernels;
 using orv::deinterlace::FillLine;
 using Bytes = std::vector<uint8_t>;
 
-// `extent`: the bytes the line reads from each field line and writes, from
-// their starts. 32-bit lines stop at the last whole pixel (the median's
-// three pixels sooner); 24-bit lines write two pixels of means even below a
-// six-byte stride, the median's Y8 line two means below a two-byte one;
-// YUV 4:2:2 lines run one byte past an odd stride.
+// `extent`: the bytes the line writes and, for a filled line, reads from
+// each field line, from their starts. 32-bit lines stop at the last whole
+// pixel (the median's three pixels sooner); 24-bit lines write two pixels
+// of means even below a six-byte stride, the median's Y8 line two means
+// below a two-byte one; YUV 4:2:2 lines run one byte past an odd stride.
+// LineDup's pair reads the stride of the line above and writes it twice.
+enum class Reads { both_lines, line_above };
+
 struct Line {
     const char *name;
     FillLine DeinterlaceKernels::*entry;
     uint32_t least_stride;
     size_t (*extent)(uint32_t stride);
+    Reads reads = Reads::both_lines;
 };
 
 const Line lines[] = {
+    {"LineDup", &DeinterlaceKernels::line_twice, 0,
+     [](uint32_t s) -> size_t { return 2 * size_t(s); }, Reads::line_above},
     {"LineAve", &DeinterlaceKernels::average, 0,
      [](uint32_t s) -> size_t { return s; }},
     {"Bilinear Y8", &DeinterlaceKernels::bilinear_grey, 2,
@@ -110,8 +117,10 @@ TEST(FilledLineTwins, WriteExactlyThePlainLinesBytes) {
             for (Content content :
                  {Content::Random, Content::Full, Content::Stripes}) {
                 // The line below starts `stride` bytes after the one above.
-                const Bytes field =
-                    field_bytes(stride + extent, content, ++seed);
+                const size_t read = line.reads == Reads::both_lines
+                                        ? stride + extent
+                                        : stride;
+                const Bytes field = field_bytes(read, content, ++seed);
                 const Filled expected =
                     fill(by_level[0]->*line.entry, field, stride, extent);
                 for (const auto &twin : twins) {
