@@ -35,6 +35,10 @@ struct Ops {
         store256(p, _mm512_castsi512_si256(v));
         store256(p + 32, _mm512_extracti64x4_epi64(v, 1));
     }
+    // One access for the whole vector: fewer instructions, for kernels
+    // that do much work per vector they move.
+    static V load_whole(const uint8_t *p) { return _mm512_loadu_si512(p); }
+    static void store_whole(uint8_t *p, V v) { _mm512_storeu_si512(p, v); }
     static __m256i load256(const uint8_t *p) {
         return _mm256_loadu_si256(reinterpret_cast<const __m256i *>(p));
     }
@@ -144,6 +148,8 @@ struct Ops {
     static void store(uint8_t *p, V v) {
         _mm256_storeu_si256(reinterpret_cast<__m256i *>(p), v);
     }
+    static V load_whole(const uint8_t *p) { return load(p); }
+    static void store_whole(uint8_t *p, V v) { store(p, v); }
     // Stores the first `n` bytes of v, n a multiple of 4 (n <= W).
     static void store_first(uint8_t *p, V v, uint32_t n) {
         const __m256i lane = _mm256_setr_epi32(0, 1, 2, 3, 4, 5, 6, 7);
@@ -233,6 +239,8 @@ struct Ops {
     static void store(uint8_t *p, V v) {
         _mm_storeu_si128(reinterpret_cast<__m128i *>(p), v);
     }
+    static V load_whole(const uint8_t *p) { return load(p); }
+    static void store_whole(uint8_t *p, V v) { store(p, v); }
     template <int D> static V after(V cur, V next) {
         return _mm_or_si128(_mm_srli_si128(cur, D), _mm_slli_si128(next, 16 - D));
     }

@@ -83,8 +83,8 @@ template <class Ops, class Spacing> struct VectorSides;
 
 template <class Ops, uint32_t D> struct VectorSides<Ops, Apart<D>> {
     using V = typename Ops::V;
-    static V left(const uint8_t *p, uint32_t i) { return Ops::load(p + i - D); }
-    static V right(const uint8_t *p, uint32_t i) { return Ops::load(p + i + D); }
+    static V left(const uint8_t *p, uint32_t i) { return Ops::load_whole(p + i - D); }
+    static V right(const uint8_t *p, uint32_t i) { return Ops::load_whole(p + i + D); }
     static V left_of(V prev, V cur) { return Ops::template before<D>(prev, cur); }
     static V right_of(V cur, V next) { return Ops::template after<D>(cur, next); }
     // Where the last step of the run [begin, end) starts: it ends with it.
@@ -105,10 +105,10 @@ template <class Ops> struct VectorSides<Ops, LumaChroma> {
         return Ops::xor_(chroma, Ops::and_(Ops::xor_(chroma, luma), even));
     }
     static V left(const uint8_t *p, uint32_t i) {
-        return interleave(Ops::load(p + i - 2), Ops::load(p + i - 4));
+        return interleave(Ops::load_whole(p + i - 2), Ops::load_whole(p + i - 4));
     }
     static V right(const uint8_t *p, uint32_t i) {
-        return interleave(Ops::load(p + i + 2), Ops::load(p + i + 4));
+        return interleave(Ops::load_whole(p + i + 2), Ops::load_whole(p + i + 4));
     }
     static V left_of(V prev, V cur) {
         return interleave(Ops::template before<2>(prev, cur),
@@ -224,23 +224,23 @@ template <class Ops, class Value, class Rule> struct VectorRuns {
         }
         uint32_t i = begin;
         V al = Sides::left(a, i), bl = Sides::left(b, i);
-        V ac = Ops::load(a + i), bc = Ops::load(b + i);
+        V ac = Ops::load_whole(a + i), bc = Ops::load_whole(b + i);
         for (; end - i >= 2 * Ops::W; i += Ops::W) {
-            const V an = Ops::load(a + i + Ops::W), bn = Ops::load(b + i + Ops::W);
-            Ops::store(out + i, Value::of(al, ac, Sides::right_of(ac, an), bl,
+            const V an = Ops::load_whole(a + i + Ops::W), bn = Ops::load_whole(b + i + Ops::W);
+            Ops::store_whole(out + i, Value::of(al, ac, Sides::right_of(ac, an), bl,
                                           bc, Sides::right_of(bc, bn)));
             al = Sides::left_of(ac, an), bl = Sides::left_of(bc, bn);
             ac = an, bc = bn;
         }
-        Ops::store(out + i, Value::of(al, ac, Sides::right(a, i), bl, bc,
+        Ops::store_whole(out + i, Value::of(al, ac, Sides::right(a, i), bl, bc,
                                       Sides::right(b, i)));
         uint32_t done = i + Ops::W;
         const uint32_t last = Sides::last_step(begin, end);
         if (last > i) {
-            Ops::store(out + last,
-                       Value::of(Sides::left(a, last), Ops::load(a + last),
+            Ops::store_whole(out + last,
+                       Value::of(Sides::left(a, last), Ops::load_whole(a + last),
                                  Sides::right(a, last), Sides::left(b, last),
-                                 Ops::load(b + last), Sides::right(b, last)));
+                                 Ops::load_whole(b + last), Sides::right(b, last)));
             done = last + Ops::W;
         }
         ByteRuns<Rule>::template fill<Spacing>(a, b, done, end, out);
