@@ -78,6 +78,19 @@ struct Ops {
             return _mm512_alignr_epi8(cur, _mm512_alignr_epi64(cur, prev, 6),
                                       16 - D);
     }
+    // after and before with the even bytes E and the odd bytes O away
+    // (0 < E, O < 16).
+    template <int E, int O> static V after_by_parity(V cur, V next) {
+        const V ahead = _mm512_alignr_epi64(next, cur, 2);
+        return _mm512_mask_alignr_epi8(_mm512_alignr_epi8(ahead, cur, E),
+                                       kOddBytes, ahead, cur, O);
+    }
+    template <int E, int O> static V before_by_parity(V prev, V cur) {
+        const V behind = _mm512_alignr_epi64(cur, prev, 6);
+        return _mm512_mask_alignr_epi8(_mm512_alignr_epi8(cur, behind, 16 - E),
+                                       kOddBytes, cur, behind, 16 - O);
+    }
+    static constexpr __mmask64 kOddBytes = 0xAAAAAAAAAAAAAAAAull;
     static V permute_dwords(V v, V index) {
         return _mm512_permutexvar_epi32(index, v);
     }
@@ -178,6 +191,18 @@ struct Ops {
         return _mm256_alignr_epi8(
             cur, _mm256_permute2x128_si256(prev, cur, 0x21), 16 - D);
     }
+    template <int E, int O> static V after_by_parity(V cur, V next) {
+        const V ahead = _mm256_permute2x128_si256(cur, next, 0x21);
+        return _mm256_blendv_epi8(_mm256_alignr_epi8(ahead, cur, E),
+                                  _mm256_alignr_epi8(ahead, cur, O), odd_bytes());
+    }
+    template <int E, int O> static V before_by_parity(V prev, V cur) {
+        const V behind = _mm256_permute2x128_si256(prev, cur, 0x21);
+        return _mm256_blendv_epi8(_mm256_alignr_epi8(cur, behind, 16 - E),
+                                  _mm256_alignr_epi8(cur, behind, 16 - O),
+                                  odd_bytes());
+    }
+    static V odd_bytes() { return _mm256_set1_epi16(static_cast<short>(0xFF00)); }
     static V permute_dwords(V v, V index) {
         return _mm256_permutevar8x32_epi32(v, index);
     }
@@ -246,6 +271,18 @@ struct Ops {
     }
     template <int D> static V before(V prev, V cur) {
         return _mm_or_si128(_mm_slli_si128(cur, D), _mm_srli_si128(prev, 16 - D));
+    }
+    template <int E, int O> static V after_by_parity(V cur, V next) {
+        return odd_from(after<E>(cur, next), after<O>(cur, next));
+    }
+    template <int E, int O> static V before_by_parity(V prev, V cur) {
+        return odd_from(before<E>(prev, cur), before<O>(prev, cur));
+    }
+    // The even bytes of `even`, the odd ones of `odd`.
+    static V odd_from(V even, V odd) {
+        const V odd_bytes = _mm_set1_epi16(static_cast<short>(0xFF00));
+        return _mm_or_si128(_mm_andnot_si128(odd_bytes, even),
+                            _mm_and_si128(odd_bytes, odd));
     }
     static V set16(uint16_t x) { return _mm_set1_epi16(static_cast<short>(x)); }
     static V splat8(uint8_t x) { return _mm_set1_epi8(static_cast<char>(x)); }

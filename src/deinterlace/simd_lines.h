@@ -111,12 +111,10 @@ template <class Ops> struct VectorSides<Ops, LumaChroma> {
         return interleave(Ops::load_whole(p + i + 2), Ops::load_whole(p + i + 4));
     }
     static V left_of(V prev, V cur) {
-        return interleave(Ops::template before<2>(prev, cur),
-                          Ops::template before<4>(prev, cur));
+        return Ops::template before_by_parity<2, 4>(prev, cur);
     }
     static V right_of(V cur, V next) {
-        return interleave(Ops::template after<2>(cur, next),
-                          Ops::template after<4>(cur, next));
+        return Ops::template after_by_parity<2, 4>(cur, next);
     }
     static uint32_t last_step(uint32_t begin, uint32_t end) {
         return begin + ((end - Ops::W - begin) & ~1u);
