@@ -2,8 +2,9 @@
 // the kernels written once over them (the conversions' grey, colour and
 // YUV 4:2:2 bulk kernels, the de-interlace lines): a
 // vector of W bytes seen as 128-bit lanes, loads and stores, lane-wise
-// arithmetic and, from AVX2 on, byte shuffles within a lane and dword
-// permutes across lanes. Included by the SIMD kernel files only, inside
+// arithmetic, vectors shifted in from their neighbours in memory and,
+// from AVX2 on, byte shuffles within a lane and dword permutes across
+// lanes. Included by the SIMD kernel files only, inside
 // their own namespace, so each file gets its own copy compiled for its
 // own instruction set.
 #ifndef ORVANE_COMMON_SIMD_OPS_H
@@ -69,7 +70,8 @@ struct Ops {
         if constexpr (D % 4 == 0)
             return _mm512_alignr_epi32(next, cur, D / 4);
         else
-            return _mm512_alignr_epi8(_mm512_alignr_epi64(next, cur, 2), cur, D);
+            return _mm512_alignr_epi8(_mm512_alignr_epi64(next, cur, 2), cur,
+                                      D);
     }
     template <int D> static V before(V prev, V cur) {
         if constexpr (D % 4 == 0)
@@ -87,8 +89,9 @@ struct Ops {
     }
     template <int E, int O> static V before_by_parity(V prev, V cur) {
         const V behind = _mm512_alignr_epi64(cur, prev, 6);
-        return _mm512_mask_alignr_epi8(_mm512_alignr_epi8(cur, behind, 16 - E),
-                                       kOddBytes, cur, behind, 16 - O);
+        return _mm512_mask_alignr_epi8(
+            _mm512_alignr_epi8(cur, behind, 16 - E), kOddBytes, cur, behind,
+            16 - O);
     }
     static constexpr __mmask64 kOddBytes = 0xAAAAAAAAAAAAAAAAull;
     static V permute_dwords(V v, V index) {
@@ -194,7 +197,8 @@ struct Ops {
     template <int E, int O> static V after_by_parity(V cur, V next) {
         const V ahead = _mm256_permute2x128_si256(cur, next, 0x21);
         return _mm256_blendv_epi8(_mm256_alignr_epi8(ahead, cur, E),
-                                  _mm256_alignr_epi8(ahead, cur, O), odd_bytes());
+                                  _mm256_alignr_epi8(ahead, cur, O),
+                                  odd_bytes());
     }
     template <int E, int O> static V before_by_parity(V prev, V cur) {
         const V behind = _mm256_permute2x128_si256(prev, cur, 0x21);
@@ -202,7 +206,9 @@ struct Ops {
                                   _mm256_alignr_epi8(cur, behind, 16 - O),
                                   odd_bytes());
     }
-    static V odd_bytes() { return _mm256_set1_epi16(static_cast<short>(0xFF00)); }
+    static V odd_bytes() {
+        return _mm256_set1_epi16(static_cast<short>(0xFF00));
+    }
     static V permute_dwords(V v, V index) {
         return _mm256_permutevar8x32_epi32(v, index);
     }
@@ -267,10 +273,12 @@ struct Ops {
     static V load_whole(const uint8_t *p) { return load(p); }
     static void store_whole(uint8_t *p, V v) { store(p, v); }
     template <int D> static V after(V cur, V next) {
-        return _mm_or_si128(_mm_srli_si128(cur, D), _mm_slli_si128(next, 16 - D));
+        return _mm_or_si128(_mm_srli_si128(cur, D),
+                            _mm_slli_si128(next, 16 - D));
     }
     template <int D> static V before(V prev, V cur) {
-        return _mm_or_si128(_mm_slli_si128(cur, D), _mm_srli_si128(prev, 16 - D));
+        return _mm_or_si128(_mm_slli_si128(cur, D),
+                            _mm_srli_si128(prev, 16 - D));
     }
     template <int E, int O> static V after_by_parity(V cur, V next) {
         return odd_from(after<E>(cur, next), after<O>(cur, next));

@@ -27,15 +27,16 @@ template <class Ops> uint32_t next_step(uint32_t i, uint32_t last) {
 // output, when they are a multiple of W apart); the last one ends with
 // the line.
 template <class Ops, size_t N>
-void vector_copy(const uint8_t *line, uint32_t stride, uint8_t *const (&outs)[N]) {
+void vector_copy(const uint8_t *line, uint32_t stride,
+                 uint8_t *const (&outs)[N]) {
     const auto put = [&](uint32_t i) {
         const typename Ops::V v = Ops::load(line + i);
         for (uint8_t *out : outs) Ops::store(out + i, v);
     };
     put(0);
     const uint32_t last = stride - Ops::W;
-    uint32_t i = Ops::W - static_cast<uint32_t>(
-                              reinterpret_cast<uintptr_t>(outs[0]) & (Ops::W - 1));
+    const auto first_out = reinterpret_cast<uintptr_t>(outs[0]);
+    uint32_t i = Ops::W - static_cast<uint32_t>(first_out & (Ops::W - 1));
     for (; i < last; i += Ops::W) put(i);
     put(last);
 }
@@ -69,8 +70,9 @@ uintptr_t vector_average_lines(const uint8_t *above, uint32_t stride,
     }
     const uint32_t last = stride - Ops::W;
     for (uint32_t i = 0;; i = next_step<Ops>(i, last)) {
-        const typename Ops::V x = Ops::load(above + i), y = Ops::load(below + i);
-        const typename Ops::V odd = Ops::and_(Ops::xor_(x, y), Ops::splat8(1));
+        using V = typename Ops::V;
+        const V x = Ops::load(above + i), y = Ops::load(below + i);
+        const V odd = Ops::and_(Ops::xor_(x, y), Ops::splat8(1));
         Ops::store(out + i, Ops::sub8(Ops::avg8(x, y), odd));
         if (i == last) return stride;
     }
@@ -83,10 +85,18 @@ template <class Ops, class Spacing> struct VectorSides;
 
 template <class Ops, uint32_t D> struct VectorSides<Ops, Apart<D>> {
     using V = typename Ops::V;
-    static V left(const uint8_t *p, uint32_t i) { return Ops::load_whole(p + i - D); }
-    static V right(const uint8_t *p, uint32_t i) { return Ops::load_whole(p + i + D); }
-    static V left_of(V prev, V cur) { return Ops::template before<D>(prev, cur); }
-    static V right_of(V cur, V next) { return Ops::template after<D>(cur, next); }
+    static V left(const uint8_t *p, uint32_t i) {
+        return Ops::load_whole(p + i - D);
+    }
+    static V right(const uint8_t *p, uint32_t i) {
+        return Ops::load_whole(p + i + D);
+    }
+    static V left_of(V prev, V cur) {
+        return Ops::template before<D>(prev, cur);
+    }
+    static V right_of(V cur, V next) {
+        return Ops::template after<D>(cur, next);
+    }
     // Where the last step of the run [begin, end) starts: it ends with it.
     static uint32_t last_step(uint32_t, uint32_t end) { return end - Ops::W; }
 };
@@ -105,10 +115,12 @@ template <class Ops> struct VectorSides<Ops, LumaChroma> {
         return Ops::xor_(chroma, Ops::and_(Ops::xor_(chroma, luma), even));
     }
     static V left(const uint8_t *p, uint32_t i) {
-        return interleave(Ops::load_whole(p + i - 2), Ops::load_whole(p + i - 4));
+        return interleave(Ops::load_whole(p + i - 2),
+                          Ops::load_whole(p + i - 4));
     }
     static V right(const uint8_t *p, uint32_t i) {
-        return interleave(Ops::load_whole(p + i + 2), Ops::load_whole(p + i + 4));
+        return interleave(Ops::load_whole(p + i + 2),
+                          Ops::load_whole(p + i + 4));
     }
     static V left_of(V prev, V cur) {
         return Ops::template before_by_parity<2, 4>(prev, cur);
@@ -224,21 +236,24 @@ template <class Ops, class Value, class Rule> struct VectorRuns {
         V al = Sides::left(a, i), bl = Sides::left(b, i);
         V ac = Ops::load_whole(a + i), bc = Ops::load_whole(b + i);
         for (; end - i >= 2 * Ops::W; i += Ops::W) {
-            const V an = Ops::load_whole(a + i + Ops::W), bn = Ops::load_whole(b + i + Ops::W);
-            Ops::store_whole(out + i, Value::of(al, ac, Sides::right_of(ac, an), bl,
-                                          bc, Sides::right_of(bc, bn)));
+            const V an = Ops::load_whole(a + i + Ops::W);
+            const V bn = Ops::load_whole(b + i + Ops::W);
+            Ops::store_whole(out + i,
+                             Value::of(al, ac, Sides::right_of(ac, an), bl,
+                                       bc, Sides::right_of(bc, bn)));
             al = Sides::left_of(ac, an), bl = Sides::left_of(bc, bn);
             ac = an, bc = bn;
         }
-        Ops::store_whole(out + i, Value::of(al, ac, Sides::right(a, i), bl, bc,
-                                      Sides::right(b, i)));
+        Ops::store_whole(out + i, Value::of(al, ac, Sides::right(a, i), bl,
+                                            bc, Sides::right(b, i)));
         uint32_t done = i + Ops::W;
         const uint32_t last = Sides::last_step(begin, end);
         if (last > i) {
-            Ops::store_whole(out + last,
-                       Value::of(Sides::left(a, last), Ops::load_whole(a + last),
-                                 Sides::right(a, last), Sides::left(b, last),
-                                 Ops::load_whole(b + last), Sides::right(b, last)));
+            Ops::store_whole(
+                out + last,
+                Value::of(Sides::left(a, last), Ops::load_whole(a + last),
+                          Sides::right(a, last), Sides::left(b, last),
+                          Ops::load_whole(b + last), Sides::right(b, last)));
             done = last + Ops::W;
         }
         ByteRuns<Rule>::template fill<Spacing>(a, b, done, end, out);
