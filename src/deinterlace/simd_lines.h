@@ -11,6 +11,8 @@
 #include "byte_lines.h"
 #include "../common/simd_ops.h"
 
+#include <type_traits>
+
 namespace orv {
 inline namespace ORV_ISA {
 namespace field_lines {
@@ -173,7 +175,31 @@ template <class Ops> struct VectorWeighted {
         return Ops::mulhi16(t, Ops::set16(1920));
     }
 
+    // Neighbours one byte apart (Y8): a byte and its right or left
+    // neighbour are the two bytes of a 16-bit lane of the centre vector or
+    // of a side vector, so the even and the odd bytes are weighted where
+    // they lie, with no unpacking. A lane's weights are (high, low) bytes.
+    static V of_adjacent(V al, V ac, V ar, V bl, V bc, V br) {
+        const V even_centre = Ops::set16(0x0507);
+        const V even_left = Ops::set16(0x0005);
+        const V odd_centre = Ops::set16(0x0705);
+        const V odd_right = Ops::set16(0x0500);
+        const V even = scaled(Ops::add16(Ops::maddubs16(ac, even_centre),
+                                         Ops::maddubs16(bc, even_centre)),
+                              Ops::maddubs16(al, even_left),
+                              Ops::maddubs16(bl, even_left));
+        const V odd = scaled(Ops::add16(Ops::maddubs16(ac, odd_centre),
+                                        Ops::maddubs16(bc, odd_centre)),
+                             Ops::maddubs16(ar, odd_right),
+                             Ops::maddubs16(br, odd_right));
+        return Ops::or_(even, Ops::template sll16<8>(odd));
+    }
+
+    template <class Spacing>
     static V of(V al, V ac, V ar, V bl, V bc, V br) {
+        if constexpr (multiplies_bytes<Ops> &&
+                      std::is_same_v<Spacing, Apart<1>>)
+            return of_adjacent(al, ac, ar, bl, bc, br);
         const V lo = scaled(pair_lo(ac, bc, 7), pair_lo(al, bl, 5),
                             pair_lo(ar, br, 5));
         const V hi = scaled(pair_hi(ac, bc, 7), pair_hi(al, bl, 5),
@@ -193,6 +219,7 @@ template <class Ops> struct VectorWeighted {
 template <class Ops> struct VectorMedian {
     using V = typename Ops::V;
 
+    template <class Spacing>
     static V of(V al, V ac, V ar, V bl, V bc, V br) {
         const V lo_l = Ops::min8(al, bl), hi_l = Ops::max8(al, bl);
         const V lo_c = Ops::min8(ac, bc), hi_c = Ops::max8(ac, bc);
@@ -239,19 +266,19 @@ template <class Ops, class Value, class Rule> struct VectorRuns {
             const V an = Ops::load_whole(a + i + Ops::W);
             const V bn = Ops::load_whole(b + i + Ops::W);
             Ops::store_whole(out + i,
-                             Value::of(al, ac, Sides::right_of(ac, an), bl,
+                             Value::template of<Spacing>(al, ac, Sides::right_of(ac, an), bl,
                                        bc, Sides::right_of(bc, bn)));
             al = Sides::left_of(ac, an), bl = Sides::left_of(bc, bn);
             ac = an, bc = bn;
         }
-        Ops::store_whole(out + i, Value::of(al, ac, Sides::right(a, i), bl,
+        Ops::store_whole(out + i, Value::template of<Spacing>(al, ac, Sides::right(a, i), bl,
                                             bc, Sides::right(b, i)));
         uint32_t done = i + Ops::W;
         const uint32_t last = Sides::last_step(begin, end);
         if (last > i) {
             Ops::store_whole(
                 out + last,
-                Value::of(Sides::left(a, last), Ops::load_whole(a + last),
+                Value::template of<Spacing>(Sides::left(a, last), Ops::load_whole(a + last),
                           Sides::right(a, last), Sides::left(b, last),
                           Ops::load_whole(b + last), Sides::right(b, last)));
             done = last + Ops::W;
