@@ -1,7 +1,7 @@
 // LineDup and LineAve: filled lines made byte by byte over the whole
-// stride, whatever the pixel format (the format is never asked). LineDup's
-// pair of copies and LineAve's mean line come from the kernel table of the
-// level in use.
+// stride, whatever the pixel format (the format is never asked). Both take
+// their line pairs (a field line's copy and its filled line) from the
+// kernel table of the level in use.
 #include "frame.h"
 #include "kernels.h"
 
@@ -10,7 +10,7 @@ extern "C" ORV_API ORV_STATUS OVC_FieldToFrame_LineDup(OFS_HANDLE field,
                                                       uint32_t parity) {
     using namespace orv::deinterlace;
     return field_to_frame(field, frame, parity,
-                          {nullptr, 0, kernels_in_use().line_twice});
+                          {kernels_in_use().line_twice, 0});
 }
 
 extern "C" ORV_API ORV_STATUS OVC_FieldToFrame_LineAve(OFS_HANDLE field,

@@ -1,10 +1,11 @@
-// The vector twins of the mean line and of the runs of neighbourhood
-// values (the weighted kernel's and the median's), written once over
-// simd::Ops: Ops::W bytes a step while a whole step fits, then one last
-// step that ends where the run ends, over bytes already written, which it
-// writes again with the same values. Runs shorter than a step are done by
-// the plain byte loop. Included only by the SIMD files, each of which
-// builds its table with them.
+// The vector twins of the line pairs: LineDup's and LineAve's, and the
+// runs of neighbourhood values (the weighted kernel's and the median's)
+// that also copy the line above, written once over simd::Ops: Ops::W bytes
+// a step while a whole step fits, then one last step that ends where the
+// run ends, over bytes already written, which it writes again with the
+// same values. Runs shorter than a step are done by the plain byte loop.
+// Included only by the SIMD files, each of which builds its table with
+// them.
 #ifndef ORVANE_DEINTERLACE_SIMD_LINES_H
 #define ORVANE_DEINTERLACE_SIMD_LINES_H
 
@@ -60,21 +61,21 @@ uintptr_t vector_line_twice(const uint8_t *line, uint32_t stride,
     return stride;
 }
 
-// average_lines' twin. The average of two bytes rounded up, less one where
-// their sum is odd, is their mean rounded down.
+// average_lines' twin: each vector of the line above goes to the copy and
+// into the mean. The average of two bytes rounded up, less one where their
+// sum is odd, is their mean rounded down.
 template <class Ops>
 uintptr_t vector_average_lines(const uint8_t *above, uint32_t stride,
-                               uint8_t *out) {
+                               uint8_t *copy) {
+    if (stride < Ops::W) return average_lines(above, stride, copy);
     const uint8_t *below = advance(above, stride);
-    if (stride < Ops::W) {
-        mean_run(above, below, 0, stride, out);
-        return stride;
-    }
+    uint8_t *out = advance(copy, stride);
     const uint32_t last = stride - Ops::W;
     for (uint32_t i = 0;; i = next_step<Ops>(i, last)) {
         using V = typename Ops::V;
         const V x = Ops::load(above + i), y = Ops::load(below + i);
         const V odd = Ops::and_(Ops::xor_(x, y), Ops::splat8(1));
+        Ops::store(copy + i, x);
         Ops::store(out + i, Ops::sub8(Ops::avg8(x, y), odd));
         if (i == last) return stride;
     }
@@ -242,21 +243,31 @@ template <class Ops> struct VectorMedian {
 
 // ByteRuns<Rule>'s twin, Value computing Rule a vector at a time: W bytes
 // a step while the step's last byte is inside the run, then a last step
-// ending with the run. Each field line is read a vector a step: while the
-// next step is a whole one, its vector gives this step's right-hand
-// neighbours and this step's gives its left-hand ones; the first step's
-// left-hand and the last two steps' right-hand neighbours are loaded.
-// So a step's right-hand neighbours end where the plain loop's last ones
-// do or sooner; every shape starts its run far enough into the line for
-// the left-hand neighbours of its first byte.
+// ending with the run; each step also puts its vector of the line above in
+// the copy. Each field line is read a vector a step: while the next step
+// is a whole one, its vector gives this step's right-hand neighbours and
+// this step's gives its left-hand ones; the first step's left-hand and the
+// last two steps' right-hand neighbours are loaded. So a step's right-hand
+// neighbours end where the plain loop's last ones do or sooner; every
+// shape starts its run far enough into the line for the left-hand
+// neighbours of its first byte.
 template <class Ops, class Value, class Rule> struct VectorRuns {
+    using V = typename Ops::V;
+
+    template <class Spacing>
+    static void step(uint32_t i, V al, V ac, V ar, V bl, V bc, V br,
+                     uint8_t *out, uint8_t *copy) {
+        Ops::store_whole(copy + i, ac);
+        Ops::store_whole(out + i,
+                         Value::template of<Spacing>(al, ac, ar, bl, bc, br));
+    }
+
     template <class Spacing>
     static void fill(const uint8_t *a, const uint8_t *b, uint32_t begin,
-                     uint32_t end, uint8_t *out) {
+                     uint32_t end, uint8_t *out, uint8_t *copy) {
         using Sides = VectorSides<Ops, Spacing>;
-        using V = typename Ops::V;
         if (end - begin < Ops::W) {
-            ByteRuns<Rule>::template fill<Spacing>(a, b, begin, end, out);
+            ByteRuns<Rule>::template fill<Spacing>(a, b, begin, end, out, copy);
             return;
         }
         uint32_t i = begin;
@@ -265,25 +276,23 @@ template <class Ops, class Value, class Rule> struct VectorRuns {
         for (; end - i >= 2 * Ops::W; i += Ops::W) {
             const V an = Ops::load_whole(a + i + Ops::W);
             const V bn = Ops::load_whole(b + i + Ops::W);
-            Ops::store_whole(out + i,
-                             Value::template of<Spacing>(al, ac, Sides::right_of(ac, an), bl,
-                                       bc, Sides::right_of(bc, bn)));
+            step<Spacing>(i, al, ac, Sides::right_of(ac, an), bl, bc,
+                          Sides::right_of(bc, bn), out, copy);
             al = Sides::left_of(ac, an), bl = Sides::left_of(bc, bn);
             ac = an, bc = bn;
         }
-        Ops::store_whole(out + i, Value::template of<Spacing>(al, ac, Sides::right(a, i), bl,
-                                            bc, Sides::right(b, i)));
+        step<Spacing>(i, al, ac, Sides::right(a, i), bl, bc,
+                      Sides::right(b, i), out, copy);
         uint32_t done = i + Ops::W;
         const uint32_t last = Sides::last_step(begin, end);
         if (last > i) {
-            Ops::store_whole(
-                out + last,
-                Value::template of<Spacing>(Sides::left(a, last), Ops::load_whole(a + last),
+            step<Spacing>(last, Sides::left(a, last), Ops::load_whole(a + last),
                           Sides::right(a, last), Sides::left(b, last),
-                          Ops::load_whole(b + last), Sides::right(b, last)));
+                          Ops::load_whole(b + last), Sides::right(b, last), out,
+                          copy);
             done = last + Ops::W;
         }
-        ByteRuns<Rule>::template fill<Spacing>(a, b, done, end, out);
+        ByteRuns<Rule>::template fill<Spacing>(a, b, done, end, out, copy);
     }
 };
 
