@@ -49,13 +49,13 @@ void vector_copy(const uint8_t *line, uint32_t stride,
 // the stores in one stream (faster for long lines on the CPUs measured).
 template <class Ops>
 uintptr_t vector_line_twice(const uint8_t *line, uint32_t stride,
-                            uint8_t *out) {
-    uint8_t *second = advance(out, stride);
-    if (stride < Ops::W) return line_twice(line, stride, out);
+                            uint8_t *copy) {
+    uint8_t *second = advance(copy, stride);
+    if (stride < Ops::W) return line_twice(line, stride, copy);
     if (stride <= 4096) {
-        vector_copy<Ops>(line, stride, {out, second});
+        vector_copy<Ops>(line, stride, {copy, second});
     } else {
-        vector_copy<Ops>(line, stride, {out});
+        vector_copy<Ops>(line, stride, {copy});
         vector_copy<Ops>(line, stride, {second});
     }
     return stride;
@@ -266,8 +266,9 @@ template <class Ops, class Value, class Rule> struct VectorRuns {
     static void fill(const uint8_t *a, const uint8_t *b, uint32_t begin,
                      uint32_t end, uint8_t *out, uint8_t *copy) {
         using Sides = VectorSides<Ops, Spacing>;
+        using Bytes = ByteRuns<Rule>;
         if (end - begin < Ops::W) {
-            ByteRuns<Rule>::template fill<Spacing>(a, b, begin, end, out, copy);
+            Bytes::template fill<Spacing>(a, b, begin, end, out, copy);
             return;
         }
         uint32_t i = begin;
@@ -286,13 +287,13 @@ template <class Ops, class Value, class Rule> struct VectorRuns {
         uint32_t done = i + Ops::W;
         const uint32_t last = Sides::last_step(begin, end);
         if (last > i) {
-            step<Spacing>(last, Sides::left(a, last), Ops::load_whole(a + last),
-                          Sides::right(a, last), Sides::left(b, last),
-                          Ops::load_whole(b + last), Sides::right(b, last), out,
-                          copy);
+            step<Spacing>(last, Sides::left(a, last),
+                          Ops::load_whole(a + last), Sides::right(a, last),
+                          Sides::left(b, last), Ops::load_whole(b + last),
+                          Sides::right(b, last), out, copy);
             done = last + Ops::W;
         }
-        ByteRuns<Rule>::template fill<Spacing>(a, b, done, end, out, copy);
+        Bytes::template fill<Spacing>(a, b, done, end, out, copy);
     }
 };
 
