@@ -81,7 +81,8 @@ bool put_resolution(FILE *f, long slot) {
 // order. Lines with no gap between them are one run of memory and go out
 // in one block write, which the stream passes to the system in a few large
 // writes instead of one per buffer-full; other lines go out a block write
-// each. Failed writes are not reported here.
+// each. Failed writes are not reported here; the close fails only for
+// bytes still in the stream's buffer that it cannot write.
 void put_pixels(FILE *f, const uint8_t *line, uint32_t width, uint32_t height,
                 uint32_t stride) {
     const uint32_t line_gap = stride - width;
