@@ -1,14 +1,20 @@
-// Throughput of OVC_Convert and OVC_FieldToFrame on 1920 x 1080 images of
-// random bytes, timed beside the fastest open-source peers (OpenCV, libyuv)
-// on the same images in the same run. Every row of the table below times
-// the library call and each of the row's peers; after the runs, a table
-// gives per row the library's Mpixel/s, the fastest peer's, and the ratio
-// of their times.
+// Throughput of OVC_Convert, OVC_FieldToFrame and the file writers on
+// 1920 x 1080 images of random bytes, timed beside the fastest open-source
+// peers (OpenCV, libyuv, libtiff) or a plainly written yardstick
+// (yardsticks.h) on the same images in the same run. Every row of the
+// table below times the library call and each of the row's peers; after
+// the runs, a table gives per row the library's Mpixel/s, the fastest
+// peer's, and the ratio of their times.
 //
-// Times are wall-clock; a row's figure is its fastest repetition (5 of at
-// least 0.1 s each by default, interleaved at random across the benchmarks
-// so that a burst of load on a shared machine hits all of them alike).
-// Mpixel/s counts the source image's pixels.
+// Times are wall-clock; a row's figure is its fastest single call, each
+// call timed on its own, over 5 repetitions of at least 0.1 s each by
+// default (interleaved at random across the benchmarks). On a shared
+// machine a repetition's mean carries every preemption and every other
+// process's use of the caches; the fastest call is the routine's own time.
+// Mpixel/s counts the pixels of the 1920 x 1080 image: the source of a
+// conversion or a file, the frame made from a 1920 x 540 field. Files go
+// to a scratch directory in /dev/shm (else $TMPDIR, else /tmp), so the
+// rows time the CPU and not a disk.
 //
 //   build-bench/bench/orvane_bench                             # every row
 //   build-bench/bench/orvane_bench --benchmark_filter=YUV422    # some rows
@@ -18,6 +24,7 @@
 // orvane", ".../opencv_GRAY2BGRA"); scripts/bench_table reads them so.
 #include "images.h"
 #include "peers.h"
+#include "yardsticks.h"
 
 #include <orvaneimage.h>
 #if __has_include(<orvane/version.h>)
@@ -27,8 +34,10 @@
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <limits>
 #include <map>
 #include <optional>
@@ -41,14 +50,14 @@
 namespace orv_bench {
 namespace {
 
-enum class Routine { Convert, FieldToFrame };
+enum class Routine { Convert, FieldToFrame, FileWrite };
 
 struct Row {
     std::string name; // Routine/Row: the benchmark names' first two parts
     Routine routine;
     uint32_t source_format;
     uint32_t destination_format;
-    uint32_t method; // Bayer method for Convert, field method otherwise
+    uint32_t method; // Bayer method, field method or file type, by routine
     std::vector<Peer> peers;
     uint32_t phase = ORV_BAYER_PHASE_A; // of a Bayer source
 };
@@ -70,6 +79,12 @@ Row field_to_frame(const char *format_and_method, uint32_t format, uint32_t meth
                    std::vector<Peer> peers) {
     return {std::string("FieldToFrame/") + format_and_method, Routine::FieldToFrame, format,
             format, method, std::move(peers)};
+}
+
+Row file_write(const char *format_and_type, uint32_t format, uint32_t file_type,
+               std::vector<Peer> peers) {
+    return {std::string("FileWrite/") + format_and_type, Routine::FileWrite, format, format,
+            file_type, std::move(peers)};
 }
 
 // Peers are listed by macros that end in a comma, hence no commas between
@@ -135,9 +150,24 @@ const std::vector<Row> &rows() {
                  ORV_BAYER_METHOD_DUP, {}, ORV_BAYER_PHASE_C),
         demosaic("BAY12_to_BGRX32_dup_D", ORV_FORMAT_BAY12, ORV_FORMAT_BGRX32,
                  ORV_BAYER_METHOD_DUP, {}, ORV_BAYER_PHASE_D),
-        field_to_frame("Y8_LineAve", ORV_FORMAT_Y8, OVC_FIELD_LINEAVE, {}),
-        field_to_frame("BGRX32_Bilinear", ORV_FORMAT_BGRX32, OVC_FIELD_BILINEAR, {}),
-        field_to_frame("YUV422_Median", ORV_FORMAT_YUV422, OVC_FIELD_MEDIAN, {}),
+        field_to_frame("Y8_LineDup", ORV_FORMAT_Y8, OVC_FIELD_LINEDUP, {YARDSTICK(memcpy_per_line)}),
+        field_to_frame("Y8_LineAve", ORV_FORMAT_Y8, OVC_FIELD_LINEAVE, {YARDSTICK(plain_line_average)}),
+        field_to_frame("Y8_Bilinear", ORV_FORMAT_Y8, OVC_FIELD_BILINEAR, {YARDSTICK(plain_line_average)}),
+        field_to_frame("Y8_Median", ORV_FORMAT_Y8, OVC_FIELD_MEDIAN, {YARDSTICK(plain_line_average)}),
+        field_to_frame("BGR24_LineDup", ORV_FORMAT_BGR24, OVC_FIELD_LINEDUP, {YARDSTICK(memcpy_per_line)}),
+        field_to_frame("BGR24_LineAve", ORV_FORMAT_BGR24, OVC_FIELD_LINEAVE, {YARDSTICK(plain_line_average)}),
+        field_to_frame("BGR24_Bilinear", ORV_FORMAT_BGR24, OVC_FIELD_BILINEAR, {YARDSTICK(plain_line_average)}),
+        field_to_frame("BGR24_Median", ORV_FORMAT_BGR24, OVC_FIELD_MEDIAN, {YARDSTICK(plain_line_average)}),
+        field_to_frame("BGRX32_LineDup", ORV_FORMAT_BGRX32, OVC_FIELD_LINEDUP, {YARDSTICK(memcpy_per_line)}),
+        field_to_frame("BGRX32_LineAve", ORV_FORMAT_BGRX32, OVC_FIELD_LINEAVE, {YARDSTICK(plain_line_average)}),
+        field_to_frame("BGRX32_Bilinear", ORV_FORMAT_BGRX32, OVC_FIELD_BILINEAR, {YARDSTICK(plain_line_average)}),
+        field_to_frame("BGRX32_Median", ORV_FORMAT_BGRX32, OVC_FIELD_MEDIAN, {YARDSTICK(plain_line_average)}),
+        field_to_frame("YUV422_LineDup", ORV_FORMAT_YUV422, OVC_FIELD_LINEDUP, {YARDSTICK(memcpy_per_line)}),
+        field_to_frame("YUV422_LineAve", ORV_FORMAT_YUV422, OVC_FIELD_LINEAVE, {YARDSTICK(plain_line_average)}),
+        field_to_frame("YUV422_Bilinear", ORV_FORMAT_YUV422, OVC_FIELD_BILINEAR, {YARDSTICK(plain_line_average)}),
+        field_to_frame("YUV422_Median", ORV_FORMAT_YUV422, OVC_FIELD_MEDIAN, {YARDSTICK(plain_line_average)}),
+        file_write("Y8_Tiff", ORV_FORMAT_Y8, OVC_FILE_TIFF, {LIBTIFF_PEER}),
+        file_write("Y8_Raw", ORV_FORMAT_Y8, OVC_FILE_RAW, {YARDSTICK(fopen_fwrite_fclose)}),
     };
     return table;
 }
@@ -146,17 +176,16 @@ constexpr const char *kLibraryName = "orvane";
 
 // A row's source, filled with the same pseudo-random bytes for every
 // implementation, and its destination. Both keep a line to spare for the
-// routines that read or write a pixel past the image; a frame holds two
-// lines per field line.
+// routines that read or write a pixel past the image; a field has half the
+// lines of its frame.
 class RowImages {
 public:
     explicit RowImages(const Row &row)
         : source_format_(row.source_format),
           destination_format_(row.destination_format),
-          destination_height_(row.routine == Routine::FieldToFrame ? 2 * kHeight
-                                                                   : kHeight),
-          source_(size_t(source_stride()) * (kHeight + 1)),
-          destination_(size_t(destination_stride()) * (destination_height_ + 1)) {
+          source_height_(row.routine == Routine::FieldToFrame ? kHeight / 2 : kHeight),
+          source_(size_t(source_stride()) * (source_height_ + 1)),
+          destination_(size_t(destination_stride()) * (kHeight + 1)) {
         uint32_t x = 12345;
         for (auto &b : source_) b = uint8_t((x = x * 1103515245u + 12345u) >> 24);
     }
@@ -166,16 +195,16 @@ public:
         return kWidth * bytes_per_pixel(destination_format_);
     }
     Plane source() {
-        return {source_.data(), source_format_, int(kWidth), int(kHeight),
+        return {source_.data(), source_format_, int(kWidth), int(source_height_),
                 int(source_stride())};
     }
     Plane destination() {
-        return {destination_.data(), destination_format_, int(kWidth),
-                int(destination_height_), int(destination_stride())};
+        return {destination_.data(), destination_format_, int(kWidth), int(kHeight),
+                int(destination_stride())};
     }
 
 private:
-    uint32_t source_format_, destination_format_, destination_height_;
+    uint32_t source_format_, destination_format_, source_height_;
     std::vector<uint8_t> source_, destination_;
 };
 
@@ -184,7 +213,7 @@ class LibraryBuffers {
 public:
     LibraryBuffers(const Row &row, RowImages &images) {
         const Plane src = images.source(), dst = images.destination();
-        source = OFS_BufferCreateImage(src.data, kWidth, kHeight,
+        source = OFS_BufferCreateImage(src.data, kWidth, uint32_t(src.height),
                                        images.source_stride(), src.format);
         destination = OFS_BufferCreateImage(dst.data, kWidth, uint32_t(dst.height),
                                             images.destination_stride(), dst.format);
@@ -203,33 +232,102 @@ public:
     OFS_HANDLE source, destination;
 };
 
+// The scratch directory the file rows write into, removed at exit.
+class ScratchDirectory {
+public:
+    ScratchDirectory() {
+        const char *tmpdir = std::getenv("TMPDIR");
+        std::string base = std::filesystem::is_directory("/dev/shm") ? "/dev/shm"
+                           : tmpdir != nullptr                         ? tmpdir
+                                                                       : "/tmp";
+        std::string name = base + "/orvane-bench-XXXXXX";
+        if (mkdtemp(name.data()) != nullptr) path_ = name;
+    }
+    ~ScratchDirectory() {
+        if (!path_.empty()) std::filesystem::remove_all(path_);
+    }
+    ScratchDirectory(const ScratchDirectory &) = delete;
+    ScratchDirectory &operator=(const ScratchDirectory &) = delete;
+
+    // Where the benchmark `name` writes its file (empty without a directory).
+    std::string file(std::string name) const {
+        if (path_.empty()) return {};
+        std::replace(name.begin(), name.end(), '/', '_');
+        return path_ + "/" + name;
+    }
+
+private:
+    std::string path_;
+};
+
+const ScratchDirectory &scratch_directory() {
+    static const ScratchDirectory directory;
+    return directory;
+}
+
+ORV_STATUS run_library(const Row &row, const LibraryBuffers &buffers, const char *file) {
+    switch (row.routine) {
+    case Routine::Convert: return OVC_Convert(buffers.source, buffers.destination);
+    case Routine::FieldToFrame:
+        return OVC_FieldToFrame(buffers.source, buffers.destination, row.method, 0);
+    case Routine::FileWrite:
+        return row.method == OVC_FILE_TIFF ? OVC_FileWriteTiff(buffers.source, file)
+                                           : OVC_FileWrite(buffers.source, file, row.method);
+    }
+    return ORV_ERROR_NOT_SUPPORTED;
+}
+
+// The counter that carries a benchmark's fastest single call, in seconds.
+constexpr const char *kFastestCall = "fastest_call";
+
+// Times the calls of a benchmark's loop one by one and keeps the fastest.
+class FastestCall {
+public:
+    template <class Call> auto time(Call call) {
+        const auto start = std::chrono::steady_clock::now();
+        const auto result = call();
+        const std::chrono::duration<double> took = std::chrono::steady_clock::now() - start;
+        fastest_ = std::min(fastest_, took.count());
+        return result;
+    }
+    void report(benchmark::State &state) const { state.counters[kFastestCall] = fastest_; }
+
+private:
+    double fastest_ = std::numeric_limits<double>::infinity();
+};
+
 void time_library(benchmark::State &state, const Row &row) {
     RowImages images(row);
     const LibraryBuffers buffers(row, images);
+    const std::string file = scratch_directory().file(row.name + "/" + kLibraryName);
+    FastestCall calls;
     for (auto _ : state) {
         const ORV_STATUS status =
-            row.routine == Routine::Convert
-                ? OVC_Convert(buffers.source, buffers.destination)
-                : OVC_FieldToFrame(buffers.source, buffers.destination, row.method, 0);
+            calls.time([&] { return run_library(row, buffers, file.c_str()); });
         if (status != ORV_OK) {
             state.SkipWithError(("status " + std::to_string(status)).c_str());
             break;
         }
     }
+    calls.report(state);
 }
 
 void time_peer(benchmark::State &state, const Row &row, const Peer &peer) {
     RowImages images(row);
     std::vector<uint8_t> scratch(size_t(kWidth) * 4 * kHeight);
+    const std::string file = scratch_directory().file(row.name + "/" + peer.name);
     const PeerImages planes{
         images.source(), images.destination(),
-        {scratch.data(), ORV_FORMAT_BGRX32, int(kWidth), int(kHeight), int(kWidth * 4)}};
+        {scratch.data(), ORV_FORMAT_BGRX32, int(kWidth), int(kHeight), int(kWidth * 4)},
+        file.c_str()};
+    FastestCall calls;
     for (auto _ : state) {
-        if (!peer.convert(planes)) {
+        if (!calls.time([&] { return peer.convert(planes); })) {
             state.SkipWithError("the peer did not convert into the destination");
             break;
         }
     }
+    calls.report(state);
 }
 
 double fastest(const std::vector<double> &values) {
@@ -253,7 +351,9 @@ void register_benchmarks() {
 }
 
 // Shows runs on the console as usual and keeps each benchmark's fastest
-// wall time per image, from its repetitions or their "min" aggregate.
+// wall time per image: its fastest single call where it counted one, else
+// its fastest repetition's mean; from its repetitions or their "min"
+// aggregate.
 class FastestTimeReporter : public benchmark::ConsoleReporter {
 public:
     FastestTimeReporter()
@@ -281,8 +381,11 @@ private:
         }
         const bool timing = run.run_type == Run::RT_Iteration || run.aggregate_name == "min";
         if (!timing) return;
+        const auto fastest_call = run.counters.find(kFastestCall);
         const double time =
-            run.GetAdjustedRealTime() / benchmark::GetTimeUnitMultiplier(run.time_unit);
+            fastest_call != run.counters.end()
+                ? fastest_call->second.value
+                : run.GetAdjustedRealTime() / benchmark::GetTimeUnitMultiplier(run.time_unit);
         auto [entry, inserted] = seconds_.emplace(name, time);
         if (!inserted) entry->second = std::min(entry->second, time);
     }
@@ -355,6 +458,9 @@ int main(int argc, char **argv) {
     benchmark::AddCustomContext("image", std::to_string(kWidth) + " x " + std::to_string(kHeight));
     benchmark::AddCustomContext("pixels_per_image", std::to_string(kWidth * kHeight));
     set_up_peers();
+#if ORV_BENCH_WITH_LIBTIFF
+    record_libtiff_version();
+#endif
     register_benchmarks();
 
     FastestTimeReporter reporter;

@@ -20,10 +20,12 @@
 
 namespace orv_bench {
 
-// What a peer call gets: the row's source and destination, and a BGRX32
-// image for peers that go through an intermediate format.
+// What a peer call gets: the row's source and destination, a BGRX32
+// image for peers that go through an intermediate format, and the path of
+// the file that file rows write.
 struct PeerImages {
     Plane source, destination, scratch;
+    const char *file;
 };
 
 // A peer of a row: its name in benchmark names and tables, and the call

@@ -2,8 +2,9 @@
 // the kernels written once over them (the conversions' grey, colour and
 // YUV 4:2:2 bulk kernels, the de-interlace lines): a
 // vector of W bytes seen as 128-bit lanes, loads and stores, lane-wise
-// arithmetic and, from AVX2 on, byte shuffles within a lane and dword
-// permutes across lanes. Included by the SIMD kernel files only, inside
+// arithmetic, vectors shifted in from their neighbours in memory and,
+// from AVX2 on, byte shuffles within a lane and dword permutes across
+// lanes. Included by the SIMD kernel files only, inside
 // their own namespace, so each file gets its own copy compiled for its
 // own instruction set.
 #ifndef ORVANE_COMMON_SIMD_OPS_H
@@ -35,6 +36,10 @@ struct Ops {
         store256(p, _mm512_castsi512_si256(v));
         store256(p + 32, _mm512_extracti64x4_epi64(v, 1));
     }
+    // One access for the whole vector: fewer instructions, for kernels
+    // that do much work per vector they move.
+    static V load_whole(const uint8_t *p) { return _mm512_loadu_si512(p); }
+    static void store_whole(uint8_t *p, V v) { _mm512_storeu_si512(p, v); }
     static __m256i load256(const uint8_t *p) {
         return _mm256_loadu_si256(reinterpret_cast<const __m256i *>(p));
     }
@@ -58,6 +63,37 @@ struct Ops {
     static V dwords(const uint32_t (&table)[W / 4]) {
         return _mm512_loadu_si512(table);
     }
+    // The W bytes that start D bytes into `cur`, where `next` follows it
+    // in memory, and the W bytes that start D bytes before `cur`, where
+    // `prev` precedes it (0 < D < 16).
+    template <int D> static V after(V cur, V next) {
+        if constexpr (D % 4 == 0)
+            return _mm512_alignr_epi32(next, cur, D / 4);
+        else
+            return _mm512_alignr_epi8(_mm512_alignr_epi64(next, cur, 2), cur,
+                                      D);
+    }
+    template <int D> static V before(V prev, V cur) {
+        if constexpr (D % 4 == 0)
+            return _mm512_alignr_epi32(cur, prev, 16 - D / 4);
+        else
+            return _mm512_alignr_epi8(cur, _mm512_alignr_epi64(cur, prev, 6),
+                                      16 - D);
+    }
+    // after and before with the even bytes E and the odd bytes O away
+    // (0 < E, O < 16).
+    template <int E, int O> static V after_by_parity(V cur, V next) {
+        const V ahead = _mm512_alignr_epi64(next, cur, 2);
+        return _mm512_mask_alignr_epi8(_mm512_alignr_epi8(ahead, cur, E),
+                                       kOddBytes, ahead, cur, O);
+    }
+    template <int E, int O> static V before_by_parity(V prev, V cur) {
+        const V behind = _mm512_alignr_epi64(cur, prev, 6);
+        return _mm512_mask_alignr_epi8(
+            _mm512_alignr_epi8(cur, behind, 16 - E), kOddBytes, cur, behind,
+            16 - O);
+    }
+    static constexpr __mmask64 kOddBytes = 0xAAAAAAAAAAAAAAAAull;
     static V permute_dwords(V v, V index) {
         return _mm512_permutexvar_epi32(index, v);
     }
@@ -105,6 +141,9 @@ struct Ops {
         low = _mm512_cvtepu8_epi16(_mm512_castsi512_si256(v));
         high = _mm512_cvtepu8_epi16(_mm512_extracti64x4_epi64(v, 1));
     }
+    // Unsigned bytes of a times signed bytes of b, adjacent products
+    // added into 16-bit lanes (with signed saturation).
+    static V maddubs16(V a, V b) { return _mm512_maddubs_epi16(a, b); }
     // Signed saturating pack of 32-bit lanes into 16-bit ones, lane by
     // lane: lane j holds a's lane j, then b's lane j.
     static V packs32(V a, V b) { return _mm512_packs_epi32(a, b); }
@@ -147,6 +186,8 @@ struct Ops {
     static void store(uint8_t *p, V v) {
         _mm256_storeu_si256(reinterpret_cast<__m256i *>(p), v);
     }
+    static V load_whole(const uint8_t *p) { return load(p); }
+    static void store_whole(uint8_t *p, V v) { store(p, v); }
     // Stores the first `n` bytes of v, n a multiple of 4 (n <= W).
     static void store_first(uint8_t *p, V v, uint32_t n) {
         const __m256i lane = _mm256_setr_epi32(0, 1, 2, 3, 4, 5, 6, 7);
@@ -166,6 +207,29 @@ struct Ops {
     static V bytes(const uint8_t (&table)[W]) { return load(table); }
     static V dwords(const uint32_t (&table)[W / 4]) {
         return _mm256_loadu_si256(reinterpret_cast<const __m256i *>(table));
+    }
+    template <int D> static V after(V cur, V next) {
+        return _mm256_alignr_epi8(_mm256_permute2x128_si256(cur, next, 0x21),
+                                  cur, D);
+    }
+    template <int D> static V before(V prev, V cur) {
+        return _mm256_alignr_epi8(
+            cur, _mm256_permute2x128_si256(prev, cur, 0x21), 16 - D);
+    }
+    template <int E, int O> static V after_by_parity(V cur, V next) {
+        const V ahead = _mm256_permute2x128_si256(cur, next, 0x21);
+        return _mm256_blendv_epi8(_mm256_alignr_epi8(ahead, cur, E),
+                                  _mm256_alignr_epi8(ahead, cur, O),
+                                  odd_bytes());
+    }
+    template <int E, int O> static V before_by_parity(V prev, V cur) {
+        const V behind = _mm256_permute2x128_si256(prev, cur, 0x21);
+        return _mm256_blendv_epi8(_mm256_alignr_epi8(cur, behind, 16 - E),
+                                  _mm256_alignr_epi8(cur, behind, 16 - O),
+                                  odd_bytes());
+    }
+    static V odd_bytes() {
+        return _mm256_set1_epi16(static_cast<short>(0xFF00));
     }
     static V permute_dwords(V v, V index) {
         return _mm256_permutevar8x32_epi32(v, index);
@@ -209,6 +273,7 @@ struct Ops {
         low = _mm256_cvtepu8_epi16(_mm256_castsi256_si128(v));
         high = _mm256_cvtepu8_epi16(_mm256_extracti128_si256(v, 1));
     }
+    static V maddubs16(V a, V b) { return _mm256_maddubs_epi16(a, b); }
     static V packs32(V a, V b) { return _mm256_packs_epi32(a, b); }
     static V packus16(V a, V b) { return _mm256_packus_epi16(a, b); }
     static V unpacklo8(V a, V b) { return _mm256_unpacklo_epi8(a, b); }
@@ -243,6 +308,28 @@ struct Ops {
     }
     static void store(uint8_t *p, V v) {
         _mm_storeu_si128(reinterpret_cast<__m128i *>(p), v);
+    }
+    static V load_whole(const uint8_t *p) { return load(p); }
+    static void store_whole(uint8_t *p, V v) { store(p, v); }
+    template <int D> static V after(V cur, V next) {
+        return _mm_or_si128(_mm_srli_si128(cur, D),
+                            _mm_slli_si128(next, 16 - D));
+    }
+    template <int D> static V before(V prev, V cur) {
+        return _mm_or_si128(_mm_slli_si128(cur, D),
+                            _mm_srli_si128(prev, 16 - D));
+    }
+    template <int E, int O> static V after_by_parity(V cur, V next) {
+        return odd_from(after<E>(cur, next), after<O>(cur, next));
+    }
+    template <int E, int O> static V before_by_parity(V prev, V cur) {
+        return odd_from(before<E>(prev, cur), before<O>(prev, cur));
+    }
+    // The even bytes of `even`, the odd ones of `odd`.
+    static V odd_from(V even, V odd) {
+        const V odd_bytes = _mm_set1_epi16(static_cast<short>(0xFF00));
+        return _mm_or_si128(_mm_andnot_si128(odd_bytes, even),
+                            _mm_and_si128(odd_bytes, odd));
     }
     static V set16(uint16_t x) { return _mm_set1_epi16(static_cast<short>(x)); }
     static V splat8(uint8_t x) { return _mm_set1_epi8(static_cast<char>(x)); }

@@ -1,6 +1,7 @@
-// The byte-wise filled lines: LineAve's mean line and the Y8, 24-bit,
-// 32-bit and YUV 4:2:2 line shapes of Bilinear and Median, with the values
-// of a neighbourhood (the weighted kernel and the median of six), as plain
+// The byte-wise line pairs, each a field line's copy and the filled line
+// after it: LineDup's, LineAve's and the Y8, 24-bit, 32-bit and YUV 4:2:2
+// line shapes of Bilinear and Median, with the values of a neighbourhood
+// (the weighted kernel and the median of six), as memory copies and plain
 // byte loops. They are the reference for the vector twins (simd_lines.h)
 // and are compiled again by every SIMD file, which finishes its lines with
 // them, so they live in orv::ORV_ISA like all kernel code.
@@ -12,12 +13,13 @@
 #include "../common/query.h"
 
 #include <cstdint>
+#include <cstring>
 
 namespace orv {
 inline namespace ORV_ISA {
 namespace field_lines {
 
-using deinterlace::FillLine;
+using deinterlace::LinePair;
 
 inline uint8_t vertical_mean(const uint8_t *a, const uint8_t *b, uint32_t i) {
     return static_cast<uint8_t>((a[i] + b[i]) >> 1);
@@ -30,11 +32,27 @@ inline void mean_run(const uint8_t *a, const uint8_t *b, uint32_t begin,
     for (uint32_t i = begin; i < end; ++i) out[i] = vertical_mean(a, b, i);
 }
 
-// The mean, rounded down, of each byte and the byte below it. The bytes of
-// a multi-byte sample are averaged separately, with no carry between them.
+// The bytes [begin, end) of the line above in its copy.
+inline void copy_run(const uint8_t *a, uint32_t begin, uint32_t end,
+                     uint8_t *copy) {
+    std::memmove(copy + begin, a + begin, end - begin);
+}
+
+// LineDup: the line twice, one copy after the other.
+inline uintptr_t line_twice(const uint8_t *line, uint32_t stride,
+                            uint8_t *copy) {
+    std::memmove(copy, line, stride);
+    std::memmove(advance(copy, stride), line, stride);
+    return stride;
+}
+
+// LineAve: the copy, then the mean, rounded down, of each byte and the
+// byte below it. The bytes of a multi-byte sample are averaged separately,
+// with no carry between them.
 inline uintptr_t average_lines(const uint8_t *above, uint32_t stride,
-                               uint8_t *out) {
-    mean_run(above, advance(above, stride), 0, stride, out);
+                               uint8_t *copy) {
+    std::memmove(copy, above, stride);
+    mean_run(above, advance(above, stride), 0, stride, advance(copy, stride));
     return stride;
 }
 
@@ -132,29 +150,38 @@ struct LumaChroma {
 };
 
 // The bytes [begin, end) of a line, each the rule's value of its own
-// neighbourhood, the side neighbours as Spacing places them: one byte at a
-// time.
+// neighbourhood, the side neighbours as Spacing places them, one byte at a
+// time; and the same bytes of the line above in its copy.
 template <class Rule> struct ByteRuns {
     template <class Spacing>
     static void fill(const uint8_t *a, const uint8_t *b, uint32_t begin,
-                     uint32_t end, uint8_t *out) {
+                     uint32_t end, uint8_t *out, uint8_t *copy) {
+        copy_run(a, begin, end, copy);
         Spacing::template run<Rule>(a, b, begin, end, out);
     }
 };
+
+// The shapes below write the copy of the line above at `copy` and the
+// filled line after it; the runs copy their own bytes and the shapes the
+// bytes around them.
 
 // Y8: a mean, the neighbourhood values, a mean. Strides of 1 and 2 give
 // two means; with a stride of 1 the second is read from one byte past the
 // line below and written over the first byte of the next frame line, which
 // the copy that follows overwrites.
 template <class Rule, class Runs = ByteRuns<Rule>>
-uintptr_t grey_line(const uint8_t *a, uint32_t stride, uint8_t *out) {
+uintptr_t grey_line(const uint8_t *a, uint32_t stride, uint8_t *copy) {
     const uint8_t *b = advance(a, stride);
+    uint8_t *out = advance(copy, stride);
     out[0] = vertical_mean(a, b, 0);
     if (stride <= 2) {
+        copy_run(a, 0, stride, copy);
         out[1] = vertical_mean(a, b, 1);
         return stride;
     }
-    Runs::template fill<Apart<1>>(a, b, 1, stride - 1, out);
+    Runs::template fill<Apart<1>>(a, b, 1, stride - 1, out, copy);
+    copy_run(a, 0, 1, copy);
+    copy_run(a, stride - 1, stride, copy);
     out[stride - 1] = vertical_mean(a, b, stride - 1);
     return stride;
 }
@@ -164,14 +191,18 @@ uintptr_t grey_line(const uint8_t *a, uint32_t stride, uint8_t *out) {
 // stride is shorter, read partly past the line below and written partly
 // over the next frame line, which the copy that follows overwrites.
 template <class Rule, class Runs = ByteRuns<Rule>>
-uintptr_t triple_line(const uint8_t *a, uint32_t stride, uint8_t *out) {
+uintptr_t triple_line(const uint8_t *a, uint32_t stride, uint8_t *copy) {
     const uint8_t *b = advance(a, stride);
+    uint8_t *out = advance(copy, stride);
     for (uint32_t i = 0; i < 3; ++i) out[i] = vertical_mean(a, b, i);
     if (stride <= 6) {
+        copy_run(a, 0, stride, copy);
         for (uint32_t i = 3; i < 6; ++i) out[i] = vertical_mean(a, b, i);
         return stride;
     }
-    Runs::template fill<Apart<3>>(a, b, 3, stride - 3, out);
+    Runs::template fill<Apart<3>>(a, b, 3, stride - 3, out, copy);
+    copy_run(a, 0, 3, copy);
+    copy_run(a, stride - 3, stride, copy);
     for (uint32_t i = stride - 3; i < stride; ++i)
         out[i] = vertical_mean(a, b, i);
     return stride;
@@ -180,16 +211,20 @@ uintptr_t triple_line(const uint8_t *a, uint32_t stride, uint8_t *out) {
 // 32-bit: a pixel of means, the rule's inner pixels (the X byte computed
 // like the others), a pixel of means. The field and the frame move on by
 // the line written, which is shorter than the stride when the stride is
-// not a multiple of 4 or for the median's bound.
+// not a multiple of 4 or for the median's bound; the copy is always the
+// whole stride.
 template <class Rule, class Runs = ByteRuns<Rule>>
-uintptr_t quad_line(const uint8_t *a, uint32_t stride, uint8_t *out) {
+uintptr_t quad_line(const uint8_t *a, uint32_t stride, uint8_t *copy) {
     const uint8_t *b = advance(a, stride);
-    const uint32_t inner_bytes = 4 * Rule::inner_pixels_32(stride);
+    uint8_t *out = advance(copy, stride);
+    const uint32_t inner_end = 4 + 4 * Rule::inner_pixels_32(stride);
     for (uint32_t i = 0; i < 4; ++i) out[i] = vertical_mean(a, b, i);
-    Runs::template fill<Apart<4>>(a, b, 4, 4 + inner_bytes, out);
-    for (uint32_t i = 4 + inner_bytes; i < 8 + inner_bytes; ++i)
+    Runs::template fill<Apart<4>>(a, b, 4, inner_end, out, copy);
+    copy_run(a, 0, 4, copy);
+    copy_run(a, inner_end, stride, copy);
+    for (uint32_t i = inner_end; i < inner_end + 4; ++i)
         out[i] = vertical_mean(a, b, i);
-    return 8 + inner_bytes;
+    return inner_end + 4;
 }
 
 // YUV 4:2:2: bytes 0, 1 and 3 are means, byte 2 a neighbourhood value;
@@ -200,8 +235,9 @@ uintptr_t quad_line(const uint8_t *a, uint32_t stride, uint8_t *out) {
 // next copy overwrites); the field and the frame still move on by the
 // stride.
 template <class Rule, class Runs = ByteRuns<Rule>>
-uintptr_t yuv_line(const uint8_t *a, uint32_t stride, uint8_t *out) {
+uintptr_t yuv_line(const uint8_t *a, uint32_t stride, uint8_t *copy) {
     const uint8_t *b = advance(a, stride);
+    uint8_t *out = advance(copy, stride);
     out[0] = vertical_mean(a, b, 0);
     out[1] = vertical_mean(a, b, 1);
     out[2] = Rule::at(a, b, 2, 2);
@@ -209,18 +245,22 @@ uintptr_t yuv_line(const uint8_t *a, uint32_t stride, uint8_t *out) {
     // The last luma byte of the run: the first from byte 4 on whose chroma
     // byte would have no right neighbour within the line's reach.
     const uint32_t last_luma = 4 + ((stride - 7) & ~1u);
-    Runs::template fill<LumaChroma>(a, b, 4, last_luma + 1, out);
+    Runs::template fill<LumaChroma>(a, b, 4, last_luma + 1, out, copy);
+    copy_run(a, 0, 4, copy);
+    copy_run(a, last_luma + 1, stride, copy);
     for (uint32_t i = last_luma + 1; i < last_luma + 4; ++i)
         out[i] = vertical_mean(a, b, i);
     return stride;
 }
 
-// The table of this file's instruction set with the mean line `average`,
-// the weighted kernel's runs done by WeightedRuns and the median's by
-// MedianRuns.
+// The table of this file's instruction set with LineDup's pair `twice`,
+// LineAve's pair `average`, the weighted kernel's runs done by
+// WeightedRuns and the median's by MedianRuns.
 template <class WeightedRuns, class MedianRuns>
-constexpr deinterlace::DeinterlaceKernels kernels_with(FillLine average) {
-    return {average,
+constexpr deinterlace::DeinterlaceKernels kernels_with(LinePair twice,
+                                                       LinePair average) {
+    return {twice,
+            average,
             grey_line<WeightedKernel, WeightedRuns>,
             triple_line<WeightedKernel, WeightedRuns>,
             quad_line<WeightedKernel, WeightedRuns>,

@@ -58,15 +58,16 @@ ORV_STATUS check_and_query(OFS_HANDLE field, OFS_HANDLE frame,
     return ORV_OK;
 }
 
-// Copies one field line of S bytes to the frame; the frame moves on by S,
-// the field stays (the filled line that follows still reads it).
+// Copies one field line of S bytes to the frame, the first or the last
+// line without a filled line after it; the frame moves on by S.
 void copy_line(const uint8_t *field, uint8_t *&frame, uint32_t stride) {
     std::memmove(frame, field, stride);
     frame = advance(frame, stride);
 }
 
 // Parity zero: F0, F0, fill, F1, ..., F(H-1). Non-zero: F0, fill, F1, ...,
-// F(H-1), F(H-1). Always 2H lines.
+// F(H-1), F(H-1). Always 2H lines; each field line but the last goes out
+// with the filled line after it as one pair.
 ORV_STATUS write_frame(const Geometry &g, uint32_t parity, LineShape shape) {
     if (g.height == 0 || g.stride < shape.least_stride)
         return ORV_ERROR_BAD_PARAM;
@@ -74,10 +75,9 @@ ORV_STATUS write_frame(const Geometry &g, uint32_t parity, LineShape shape) {
     uint8_t *frame = g.frame;
     if (parity == 0) copy_line(field, frame, g.stride);
     for (uint32_t i = 0; i + 1 < g.height; ++i) {
-        copy_line(field, frame, g.stride);
-        const uintptr_t step = shape.fill(field, g.stride, frame);
+        const uintptr_t step = shape.pair(field, g.stride, frame);
         field = advance(field, step);
-        frame = advance(frame, step);
+        frame = advance(frame, g.stride + step);
     }
     copy_line(field, frame, g.stride);
     if (parity != 0) copy_line(field, frame, g.stride);

@@ -14,16 +14,18 @@
 namespace orv {
 namespace deinterlace {
 
-// Writes one filled line at `out` from the field line `above` and the one
-// below it (`above + stride`). Returns how far the field and the frame
-// positions move on afterwards: the stride, except where a line shape says
-// otherwise.
-using FillLine = uintptr_t (*)(const uint8_t *above, uint32_t stride,
-                               uint8_t *out);
+// Writes the copy of the field line `above` (stride bytes) at `copy` and,
+// right after it, the filled line made from `above` and the line below it
+// (`above + stride`). Returns how far the field and the frame positions
+// move on after the filled line: the stride, except where a line shape
+// says otherwise. The two lines are written in one pass, so a line of the
+// field is read once for both.
+using LinePair = uintptr_t (*)(const uint8_t *above, uint32_t stride,
+                               uint8_t *copy);
 
-// A method's filled line and the least field stride it handles.
+// A method's line pair and the least field stride it handles.
 struct LineShape {
-    FillLine fill;
+    LinePair pair;
     uint32_t least_stride;
 };
 

@@ -11,7 +11,7 @@ constexpr deinterlace::DeinterlaceKernels deinterlace_kernels =
     field_lines::kernels_with<
         field_lines::ByteRuns<field_lines::WeightedKernel>,
         field_lines::ByteRuns<field_lines::MedianOfSix>>(
-        field_lines::average_lines);
+        field_lines::line_twice, field_lines::average_lines);
 
 } // namespace ORV_ISA
 

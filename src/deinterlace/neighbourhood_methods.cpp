@@ -6,8 +6,9 @@
 // neighbourhood (the weighted kernel or the median of six) and in how many
 // 32-bit pixels they reach. The first and last pixels of a line, where a
 // side neighbour is missing, are plain vertical means. The values and the
-// line shapes live in byte_lines.h; both methods take their lines from the
-// kernel table of the level in use.
+// line shapes live in byte_lines.h; both methods take their line pairs (a
+// field line's copy and its filled line) from the kernel table of the
+// level in use.
 #include "byte_lines.h"
 #include "frame.h"
 #include "kernels.h"
@@ -21,9 +22,9 @@ using field_lines::WeightedKernel;
 
 // A method's lines for each layout, and the least Y8 stride it handles.
 struct MethodLines {
-    FillLine grey;
+    LinePair grey;
     uint32_t least_grey_stride;
-    FillLine triple, quad, yuv;
+    LinePair triple, quad, yuv;
 };
 
 // The layout is told by the whole format code. Strides below the smallest

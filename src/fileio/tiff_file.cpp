@@ -11,6 +11,7 @@
 #include "../common/query.h"
 #include "diagnostics.h"
 
+#include <cstdint>
 #include <cstdio>
 
 namespace orv {
@@ -74,14 +75,21 @@ bool put_resolution(FILE *f, long slot) {
     return true;
 }
 
-// Each line gives exactly `width` bytes in memory order, in one block
-// write, then the line start moves on by stride - width (a 32-bit
-// difference) beyond them. A BGR24 line thus gives the first third of its
-// pixel bytes, in B, G, R order. A short write is not reported here: the
-// stream keeps its error for the close.
+// Each line gives exactly `width` bytes in memory order, then the line
+// start moves on by stride - width (a 32-bit difference) beyond them. A
+// BGR24 line thus gives the first third of its pixel bytes, in B, G, R
+// order. Lines with no gap between them are one run of memory and go out
+// in one block write, which the stream passes to the system in a few large
+// writes instead of one per buffer-full; other lines go out a block write
+// each. Failed writes are not reported here; the close fails only for
+// bytes still in the stream's buffer that it cannot write.
 void put_pixels(FILE *f, const uint8_t *line, uint32_t width, uint32_t height,
                 uint32_t stride) {
     const uint32_t line_gap = stride - width;
+    if (line_gap == 0 && (width == 0 || height <= SIZE_MAX / width)) {
+        std::fwrite(line, 1, size_t(width) * height, f);
+        return;
+    }
     for (uint32_t y = 0; y < height; ++y) {
         std::fwrite(line, 1, width, f);
         line = advance(line, static_cast<uintptr_t>(width) + line_gap);

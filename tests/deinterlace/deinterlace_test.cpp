@@ -1,7 +1,9 @@
 // Field-to-frame de-interlacing: the median of six, the line order of
 // both parities, each method's filled lines against a byte-by-byte model
-// of its line shapes, the worked values, and every refusal (nothing
-// written).
+// of its line shapes (with the field and the frame ending at an
+// inaccessible page where the model stops reading and writing), the worked
+// values, and every refusal (nothing written).
+#include "support/guarded_bytes.h"
 #include "support/test_image.h"
 
 #include <gtest/gtest.h>
@@ -127,15 +129,25 @@ uint8_t filled_byte(Method method, uint32_t format, const uint8_t *a,
     }
 }
 
+// How far the lines of a frame reach: the bytes read from the field's
+// start and written from the frame's start.
+struct Reach {
+    size_t field = 0, frame = 0;
+};
+
 // The frame as its lines are written one after another: field lines copied
 // whole, a filled line after every field line but the last, the extra copy
 // first or last by parity. `frame` holds the frame's bytes beforehand.
-void model_frame(Method method, uint32_t format, const Bytes &field,
-                 size_t stride, uint32_t height, uint32_t parity, Bytes &frame) {
+Reach model_frame(Method method, uint32_t format, const Bytes &field,
+                  size_t stride, uint32_t height, uint32_t parity,
+                  Bytes &frame) {
+    Reach reach;
     size_t from = 0, to = 0;
     auto copy = [&] {
         std::copy_n(field.begin() + from, stride, frame.begin() + to);
         to += stride;
+        reach.field = std::max(reach.field, from + stride);
+        reach.frame = std::max(reach.frame, to);
     };
     if (parity == 0) copy();
     for (uint32_t i = 0; i + 1 < height; ++i) {
@@ -144,11 +156,14 @@ void model_frame(Method method, uint32_t format, const Bytes &field,
         for (size_t b = 0; b < e.written; ++b)
             frame[to + b] = filled_byte(method, format, &field[from],
                                         &field[from + stride], b, e.written);
+        reach.field = std::max(reach.field, from + stride + e.written);
+        reach.frame = std::max(reach.frame, to + e.written);
         from += e.step;
         to += e.step;
     }
     copy();
     if (parity != 0) copy();
+    return reach;
 }
 
 ORV_STATUS run(Method method, OFS_HANDLE field, OFS_HANDLE frame,
@@ -160,27 +175,42 @@ struct Layout {
     uint32_t format, width, stride;
 };
 
-// Runs through the dispatcher on random fields (with random bytes past
-// their end, where short and odd strides read). The frame's own stride is
-// wider than the field's, and its bytes past the lines written keep their
-// pattern.
+// A buffer handle over memory the test placed.
+class HandleAt {
+public:
+    HandleAt(uint8_t *pixels, uint32_t format, uint32_t width,
+             uint32_t height, uint32_t stride)
+        : handle(OFS_BufferCreateImage(pixels, width, height, stride, format)) {}
+    ~HandleAt() { OFS_BufferDestroy(handle); }
+    HandleAt(const HandleAt &) = delete;
+    HandleAt &operator=(const HandleAt &) = delete;
+
+    const OFS_HANDLE handle;
+};
+
+// Runs through the dispatcher on random fields of 1 to 9 lines and of 40,
+// with either parity. The field and the frame end at an inaccessible page
+// where the model's lines stop reading and writing; short and odd strides
+// read a little past the last field line. The frame's own stride, which
+// does not place the lines, is wider than the field's.
 void expect_frames_match_model(Method method, const Layout &layout) {
-    const size_t slack = 8;
-    for (uint32_t height : {1u, 2u, 3u, 6u}) {
+    static orv_test::GuardedBytes field_memory(1 << 16), frame_memory(1 << 16);
+    for (uint32_t height : {1u, 2u, 3u, 4u, 5u, 6u, 7u, 8u, 9u, 40u}) {
         for (uint32_t parity : {0u, 1u, 0x80000000u}) {
-            const size_t field_bytes = size_t(height) * layout.stride;
-            TestImage field(layout.format, layout.width, height, layout.stride,
-                            field_bytes + slack);
-            const Bytes pixels = orv_test::random_bytes(field.size(), height + parity);
-            std::copy(pixels.begin(), pixels.end(), field.data());
-            const size_t frame_bytes = 2 * size_t(height) * layout.stride;
-            TestImage frame(layout.format, layout.width, 2 * height,
-                            layout.stride + 3, frame_bytes + 32, 0xA5);
-            ASSERT_EQ(run(method, field.handle(), frame.handle(), parity), ORV_OK);
-            Bytes expected(frame.size(), 0xA5);
-            model_frame(method, layout.format, pixels, layout.stride, height,
-                        parity, expected);
-            ASSERT_EQ(frame.bytes(), expected)
+            const size_t lines_bytes = size_t(height) * layout.stride;
+            Bytes pixels = orv_test::random_bytes(lines_bytes + 8, height + parity);
+            Bytes expected(2 * lines_bytes + 8, 0xA5);
+            const Reach reach = model_frame(method, layout.format, pixels,
+                                            layout.stride, height, parity, expected);
+            pixels.resize(reach.field);
+            expected.resize(reach.frame);
+            const HandleAt field(field_memory.place(pixels), layout.format,
+                                 layout.width, height, layout.stride);
+            const HandleAt frame(frame_memory.place(Bytes(reach.frame, 0xA5)),
+                                 layout.format, layout.width, 2 * height,
+                                 layout.stride + 3);
+            ASSERT_EQ(run(method, field.handle, frame.handle, parity), ORV_OK);
+            ASSERT_EQ(frame_memory.last(reach.frame), expected)
                 << "method " << int(method) << std::hex << " format "
                 << layout.format << std::dec << " stride " << layout.stride
                 << " height " << height << " parity " << parity;
@@ -190,7 +220,9 @@ void expect_frames_match_model(Method method, const Layout &layout) {
 
 // Short, odd and misaligned strides included: 24-bit lines of 4 and 7,
 // 32-bit lines of 14 (both methods stop short and shear), YUV lines of 9
-// and 11 (one byte longer than the stride).
+// and 11 (one byte longer than the stride). Then lines of several vectors
+// at every level: odd and even widths at the smallest stride, and padded
+// strides (odd ones; a 32-bit one that is not a multiple of 4).
 const Layout layouts[] = {
     {ORV_FORMAT_Y8, 2, 2},       {ORV_FORMAT_Y8, 3, 3},
     {ORV_FORMAT_Y8, 17, 20},     {ORV_FORMAT_BGR24, 1, 4},
@@ -202,6 +234,13 @@ const Layout layouts[] = {
     {ORV_FORMAT_YUV422, 4, 8},   {ORV_FORMAT_YUV422, 4, 9},
     {ORV_FORMAT_YUV422, 5, 11},  {ORV_FORMAT_YUV422, 6, 12},
     {ORV_FORMAT_YUV422, 10, 24},
+    {ORV_FORMAT_Y8, 67, 67},     {ORV_FORMAT_Y8, 130, 130},
+    {ORV_FORMAT_Y8, 130, 135},   {ORV_FORMAT_BGR24, 45, 135},
+    {ORV_FORMAT_RGB24, 64, 192}, {ORV_FORMAT_BGR24, 64, 199},
+    {ORV_FORMAT_BGRX32, 33, 132}, {ORV_FORMAT_XRGB32, 50, 200},
+    {ORV_FORMAT_BGRX32, 50, 204}, {ORV_FORMAT_RGBX32, 50, 206},
+    {ORV_FORMAT_YUV422, 35, 70}, {ORV_FORMAT_YUV422, 64, 128},
+    {ORV_FORMAT_YUV422, 64, 131}, {ORV_FORMAT_YUV422, 64, 132},
 };
 
 TEST(FieldToFrame, LineDupAndLineAveWorkOnBytesWhateverTheFormat) {

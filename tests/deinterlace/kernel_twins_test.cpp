@@ -1,12 +1,13 @@
-// Every vector twin of a filled line against the plain line, byte for
-// byte, at every level up to the one in use: LineAve's mean line and the
-// Y8, 24-bit, 32-bit and YUV 4:2:2 lines of Bilinear and Median; and the
-// median lines at every level against median_of_six over every order and
-// tie pattern of six values. Strides 0 to 70 (every short
-// shape, one whole vector step and the tails after it) and a few long
-// ones; the two field lines and the output end flush against an
-// inaccessible page at the last byte the plain line reads and writes, so a
-// twin that touches one byte more faults; the output starts as a pattern.
+// Every vector twin of a line pair (a field line's copy and the filled
+// line after it) against the plain pair, byte for byte, at every level up
+// to the one in use: LineDup's, LineAve's and the Y8, 24-bit, 32-bit and
+// YUV 4:2:2 pairs of Bilinear and Median; and the median lines at every
+// level against median_of_six over every order and tie pattern of six
+// values. Strides 0 to 70 (every short shape, one whole vector step and
+// the tails after it) and a few long ones; the two field lines and the
+// output end flush against an inaccessible page at the last byte the
+// plain pair reads and writes, so a twin that touches one byte more
+// faults; the output starts as a pattern.
 #include "deinterlace/byte_lines.h"
 #include "deinterlace/kernels.h"
 #include "support/guarded_bytes.h"
@@ -20,22 +21,29 @@
 namespace {
 
 using orv::deinterlace::DeinterlaceKernels;
-using orv::deinterlace::FillLine;
+using orv::deinterlace::LinePair;
 using Bytes = std::vector<uint8_t>;
 
-// `extent`: the bytes the line reads from each field line and writes, from
-// their starts. 32-bit lines stop at the last whole pixel (the median's
-// three pixels sooner); 24-bit lines write two pixels of means even below a
-// six-byte stride, the median's Y8 line two means below a two-byte one;
-// YUV 4:2:2 lines run one byte past an odd stride.
+// `extent`: the bytes the filled line writes after the copy's stride and
+// reads from each field line, from their starts. 32-bit lines stop at the
+// last whole pixel (the median's three pixels sooner); 24-bit lines write
+// two pixels of means even below a six-byte stride, the median's Y8 line
+// two means below a two-byte one; YUV 4:2:2 lines run one byte past an odd
+// stride. LineDup's filled line is a second copy: it reads the line above
+// only.
+enum class Reads { both_lines, line_above };
+
 struct Line {
     const char *name;
-    FillLine DeinterlaceKernels::*entry;
+    LinePair DeinterlaceKernels::*entry;
     uint32_t least_stride;
     size_t (*extent)(uint32_t stride);
+    Reads reads = Reads::both_lines;
 };
 
 const Line lines[] = {
+    {"LineDup", &DeinterlaceKernels::line_twice, 0,
+     [](uint32_t s) -> size_t { return s; }, Reads::line_above},
     {"LineAve", &DeinterlaceKernels::average, 0,
      [](uint32_t s) -> size_t { return s; }},
     {"Bilinear Y8", &DeinterlaceKernels::bilinear_grey, 2,
@@ -84,16 +92,19 @@ struct Filled {
 };
 
 // The longest field: a line of 4097 bytes and the 4098 a YUV 4:2:2 line
-// reads below it.
+// reads below it; the longest pair: the copy of that line and the 4098
+// bytes of its filled line.
 constexpr size_t kRoom = 4097 + 4098;
 
-Filled fill(FillLine line, const Bytes &field, uint32_t stride,
-            size_t extent) {
+// The copy and the filled line of `pair`: `written` bytes from the copy's
+// start.
+Filled fill(LinePair pair, const Bytes &field, uint32_t stride,
+            size_t written) {
     static orv_test::GuardedBytes in(kRoom), out(kRoom);
     const uint8_t *above = in.place(field);
     const uintptr_t moved =
-        line(above, stride, out.place(Bytes(extent, 0xA5)));
-    return {out.last(extent), moved};
+        pair(above, stride, out.place(Bytes(written, 0xA5)));
+    return {out.last(written), moved};
 }
 
 const DeinterlaceKernels *const by_level[orv::kSimdLevels] =
@@ -110,13 +121,16 @@ TEST(FilledLineTwins, WriteExactlyThePlainLinesBytes) {
             for (Content content :
                  {Content::Random, Content::Full, Content::Stripes}) {
                 // The line below starts `stride` bytes after the one above.
-                const Bytes field =
-                    field_bytes(stride + extent, content, ++seed);
+                const size_t read = line.reads == Reads::both_lines
+                                        ? stride + extent
+                                        : stride;
+                const Bytes field = field_bytes(read, content, ++seed);
+                const size_t written = stride + extent;
                 const Filled expected =
-                    fill(by_level[0]->*line.entry, field, stride, extent);
+                    fill(by_level[0]->*line.entry, field, stride, written);
                 for (const auto &twin : twins) {
                     const Filled actual =
-                        fill(twin.table->*line.entry, field, stride, extent);
+                        fill(twin.table->*line.entry, field, stride, written);
                     ASSERT_EQ(actual.moved, expected.moved)
                         << line.name << " at " << twin.level;
                     ASSERT_EQ(actual.out, expected.out)
@@ -127,17 +141,18 @@ TEST(FilledLineTwins, WriteExactlyThePlainLinesBytes) {
         }
 }
 
-// Every 6-tuple over {0, 1, 2, 254, 255} (every order, every tie pattern,
-// both parities of the middle pair's sum, the ends of the byte range) and
+// Every 6-tuple over {0, 1, 2, 127, 254, 255} (every order of six
+// distinct values, every tie pattern, both parities of the middle pair's
+// sum, the ends of the byte range) and
 // random tuples, laid out so that byte 3k + 1 of a Y8 line sees tuple k as
 // its neighbourhood; every inner byte of the line is checked, so the mixed
 // neighbourhoods between tuples count too.
 TEST(FilledLineTwins, MedianLinesGiveTheMedianOfSixOfEveryNeighbourhood) {
-    const uint8_t values[] = {0, 1, 2, 254, 255};
+    const uint8_t values[] = {0, 1, 2, 127, 254, 255};
     Bytes above, below;
-    for (uint32_t code = 0; code < 5 * 5 * 5 * 5 * 5 * 5; ++code)
-        for (uint32_t k = 0, c = code; k < 6; ++k, c /= 5)
-            (k < 3 ? above : below).push_back(values[c % 5]);
+    for (uint32_t code = 0; code < 6 * 6 * 6 * 6 * 6 * 6; ++code)
+        for (uint32_t k = 0, c = code; k < 6; ++k, c /= 6)
+            (k < 3 ? above : below).push_back(values[c % 6]);
     const Bytes noise = orv_test::random_bytes(2 * 3000, 11);
     above.insert(above.end(), noise.begin(), noise.begin() + 3000);
     below.insert(below.end(), noise.begin() + 3000, noise.end());
@@ -149,8 +164,10 @@ TEST(FilledLineTwins, MedianLinesGiveTheMedianOfSixOfEveryNeighbourhood) {
     std::vector<const DeinterlaceKernels *> tables = {by_level[0]};
     for (const auto &twin : twins) tables.push_back(twin.table);
     for (const DeinterlaceKernels *table : tables) {
-        Bytes out(stride);
-        table->median_grey(field.data(), stride, out.data());
+        Bytes pair(2 * size_t(stride));
+        table->median_grey(field.data(), stride, pair.data());
+        ASSERT_EQ(Bytes(pair.begin(), pair.begin() + stride), above);
+        const uint8_t *out = pair.data() + stride;
         for (uint32_t i = 1; i + 1 < stride; ++i)
             ASSERT_EQ(out[i], orv::field_lines::median_of_six(
                                   above[i - 1], above[i], above[i + 1],

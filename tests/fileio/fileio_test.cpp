@@ -1,15 +1,18 @@
 // File output: the byte-order writers, raw dumps with their fault paths,
 // and TIFF files byte for byte, including the fragments that the writer
-// leaves open (read back after the writing process has exited).
+// leaves open (read back after the writing process has exited) and files
+// cut short by a full device or a file-size limit.
 #include "fileio/scratch.h"
 #include "support/test_image.h"
 
 #include <gtest/gtest.h>
 
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <functional>
@@ -229,6 +232,9 @@ TEST(TiffFile, FinishedFilesMatchTheLayoutByteForByte) {
         {ORV_FORMAT_Y8, 3, 0, 4},         {ORV_FORMAT_Y8, 70000, 1, 70000},
         {ORV_FORMAT_BGR24, 4, 2, 12},     {ORV_FORMAT_BGR24, 3, 3, 16},
         {ORV_FORMAT_BGR24, 2, 0, 6},      {ORV_FORMAT_BGR24, 65537, 2, 196611},
+        // Many stream buffers' worth: lines back to back, padded lines.
+        {ORV_FORMAT_Y8, 1920, 1080, 1920}, {ORV_FORMAT_Y8, 1000, 7, 1000},
+        {ORV_FORMAT_Y8, 641, 9, 700},      {ORV_FORMAT_BGR24, 1920, 540, 5760},
     };
     for (const auto &c : cases) {
         TestImage image(c.format, c.width, c.height, c.stride);
@@ -390,7 +396,6 @@ TEST(TiffFile, RefusalsAndDeviceFaults) {
          ORV_ERROR_OPEN_FAILED},
         {"path longer than the message", kLongMissingPath.c_str(), keep,
          ORV_ERROR_OPEN_FAILED},
-        {"full device", "/dev/full", keep, ORV_ERROR_CLOSE_FAILED},
     };
     for (const auto &f : faults) {
         TestImage image(ORV_FORMAT_Y8, 4, 2, 4);
@@ -401,6 +406,60 @@ TEST(TiffFile, RefusalsAndDeviceFaults) {
         if (!f.path) {
             EXPECT_FALSE(file_exists(path)) << f.what;
         }
+    }
+}
+
+// A file the device stops taking part-way: /dev/full takes nothing, a
+// file-size limit (set in a child process, SIGXFSZ ignored) takes the
+// first `limit` bytes. Pixel writes that fail are not reported; the close
+// reports the bytes still in the stream's buffer that it cannot write.
+constexpr long kFullDevice = -1;
+
+struct DeviceStop {
+    const char *what;
+    uint32_t format, width, height, stride;
+    long limit; // kFullDevice, or the bytes the file may hold
+    ORV_STATUS status;
+};
+
+TEST(TiffFile, FilesCutShortByTheDeviceKeepTheirPrefixAndStatus) {
+    const DeviceStop stops[] = {
+        {"Y8, all in the buffer", ORV_FORMAT_Y8, 4, 2, 4, kFullDevice,
+         ORV_ERROR_CLOSE_FAILED},
+        {"BGR24, all in the buffer", ORV_FORMAT_BGR24, 5, 3, 15, kFullDevice,
+         ORV_ERROR_CLOSE_FAILED},
+        {"Y8 1920 x 1080", ORV_FORMAT_Y8, 1920, 1080, 1920, kFullDevice, ORV_OK},
+        {"BGR24 1920 x 540", ORV_FORMAT_BGR24, 1920, 540, 5760, kFullDevice,
+         ORV_OK},
+        {"Y8 stopped in the pixels", ORV_FORMAT_Y8, 1920, 1080, 1920, 100000,
+         ORV_OK},
+        {"BGR24 stopped in the pixels", ORV_FORMAT_BGR24, 640, 480, 1920,
+         100000, ORV_ERROR_CLOSE_FAILED},
+    };
+    for (const auto &s : stops) {
+        TestImage image(s.format, s.width, s.height, s.stride);
+        const Bytes pixels = orv_test::random_bytes(image.size(), s.width);
+        std::copy(pixels.begin(), pixels.end(), image.data());
+        const std::string path =
+            s.limit == kFullDevice ? "/dev/full" : scratch_path("cut.tif");
+        const pid_t child = fork();
+        if (child == 0) {
+            if (s.limit != kFullDevice) {
+                std::signal(SIGXFSZ, SIG_IGN);
+                const rlimit limit{rlim_t(s.limit), rlim_t(s.limit)};
+                setrlimit(RLIMIT_FSIZE, &limit);
+            }
+            _exit(int(OVC_FileWriteTiff(image.handle(), path.c_str())));
+        }
+        int wait_status = 0;
+        waitpid(child, &wait_status, 0);
+        ASSERT_TRUE(WIFEXITED(wait_status)) << s.what;
+        EXPECT_EQ(WEXITSTATUS(wait_status), int(s.status)) << s.what;
+        if (s.limit == kFullDevice) continue;
+        Bytes expected = expected_tiff(s.format == ORV_FORMAT_BGR24, s.width,
+                                       s.height, s.stride, pixels.data());
+        expected.resize(size_t(s.limit));
+        EXPECT_EQ(read_file(path), expected) << s.what;
     }
 }
 
