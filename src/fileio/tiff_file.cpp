@@ -11,8 +11,10 @@
 #include "../common/query.h"
 #include "diagnostics.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdio>
+#include <stdio_ext.h>
 
 namespace orv {
 namespace {
@@ -75,23 +77,40 @@ bool put_resolution(FILE *f, long slot) {
     return true;
 }
 
+// Puts n bytes into the stream exactly as n putc calls would, a buffer at
+// a time. The bytes that fit in the stream's buffer are copied in by one
+// block write, kept below a whole buffer so that the stream never writes
+// them straight through; a byte that finds the buffer full goes through
+// putc itself, which flushes the buffer, or, when the device refuses the
+// flush, drops that byte and empties the buffer. So the system sees the
+// writes of a byte-by-byte loop, and a close after a failing device finds
+// the same bytes left to write (its status depends on them).
+void put_bytes_as_putc(FILE *f, const uint8_t *p, size_t n) {
+    const size_t buffer = __fbufsize(f);
+    while (n > 0) {
+        const size_t pending = __fpending(f);
+        if (buffer < 2 || pending >= buffer) {
+            putc_unlocked(*p, f);
+            ++p;
+            --n;
+            continue;
+        }
+        const size_t run = std::min({buffer - pending, buffer - 1, n});
+        fwrite_unlocked(p, 1, run, f);
+        p += run;
+        n -= run;
+    }
+}
+
 // Each line gives exactly `width` bytes in memory order, then the line
 // start moves on by stride - width (a 32-bit difference) beyond them. A
 // BGR24 line thus gives the first third of its pixel bytes, in B, G, R
-// order. Lines with no gap between them are one run of memory and go out
-// in one block write, which the stream passes to the system in a few large
-// writes instead of one per buffer-full; other lines go out a block write
-// each. Failed writes are not reported here; the close fails only for
-// bytes still in the stream's buffer that it cannot write.
+// order. Failed writes are not reported here.
 void put_pixels(FILE *f, const uint8_t *line, uint32_t width, uint32_t height,
                 uint32_t stride) {
     const uint32_t line_gap = stride - width;
-    if (line_gap == 0 && (width == 0 || height <= SIZE_MAX / width)) {
-        std::fwrite(line, 1, size_t(width) * height, f);
-        return;
-    }
     for (uint32_t y = 0; y < height; ++y) {
-        std::fwrite(line, 1, width, f);
+        put_bytes_as_putc(f, line, width);
         line = advance(line, static_cast<uintptr_t>(width) + line_gap);
     }
 }

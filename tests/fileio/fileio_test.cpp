@@ -411,8 +411,10 @@ TEST(TiffFile, RefusalsAndDeviceFaults) {
 
 // A file the device stops taking part-way: /dev/full takes nothing, a
 // file-size limit (set in a child process, SIGXFSZ ignored) takes the
-// first `limit` bytes. Pixel writes that fail are not reported; the close
-// reports the bytes still in the stream's buffer that it cannot write.
+// first `limit` bytes. Pixel bytes go out as putc puts them: a byte that
+// finds the stream's buffer (4096 bytes here) full flushes it, or is
+// dropped with it when the device refuses; the close reports the bytes
+// left in the buffer that it cannot write.
 constexpr long kFullDevice = -1;
 
 struct DeviceStop {
@@ -428,11 +430,16 @@ TEST(TiffFile, FilesCutShortByTheDeviceKeepTheirPrefixAndStatus) {
          ORV_ERROR_CLOSE_FAILED},
         {"BGR24, all in the buffer", ORV_FORMAT_BGR24, 5, 3, 15, kFullDevice,
          ORV_ERROR_CLOSE_FAILED},
-        {"Y8 1920 x 1080", ORV_FORMAT_Y8, 1920, 1080, 1920, kFullDevice, ORV_OK},
+        {"Y8 1920 x 1080", ORV_FORMAT_Y8, 1920, 1080, 1920, kFullDevice,
+         ORV_ERROR_CLOSE_FAILED},
         {"BGR24 1920 x 540", ORV_FORMAT_BGR24, 1920, 540, 5760, kFullDevice,
-         ORV_OK},
+         ORV_ERROR_CLOSE_FAILED},
+        {"Y8, a line of four buffers", ORV_FORMAT_Y8, 16384, 2, 16384,
+         kFullDevice, ORV_ERROR_CLOSE_FAILED},
+        {"Y8, the last byte dropped with the buffer", ORV_FORMAT_Y8, 4097, 1,
+         4097, kFullDevice, ORV_OK},
         {"Y8 stopped in the pixels", ORV_FORMAT_Y8, 1920, 1080, 1920, 100000,
-         ORV_OK},
+         ORV_ERROR_CLOSE_FAILED},
         {"BGR24 stopped in the pixels", ORV_FORMAT_BGR24, 640, 480, 1920,
          100000, ORV_ERROR_CLOSE_FAILED},
     };
