@@ -28,6 +28,11 @@
  * each line, and the RGB16 med_C routines read up to two samples past the
  * line below.
  *
+ * A height of 0 or 1 is not refused: dup writes line 0, and ave and med
+ * write lines 0 and 1 (line 1 one destination stride on), all three
+ * reading source lines 0 and 1. OVC_Convert hands a Bayer source of
+ * height 0 to its routine, so the same holds there.
+ *
  * The list of routines is orvane/bayer_members.h.
  */
 #ifndef ORVANE_BAYER_H
