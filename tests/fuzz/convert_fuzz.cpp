@@ -102,8 +102,14 @@ Extent accepted_extent(uint32_t src, uint32_t dst, uint32_t bytes_in,
     if ((src == 0x01 || src == 0x02) && src == dst &&
         g.src_stride == g.dst_stride && h == g.dst_height)
         return {size_t(h) * g.src_stride, size_t(h) * g.src_stride};
+    // Beyond one line, a stride below its line wraps the row step.
+    const bool lines = h > 1 || is_bayer(src);
+    const uint32_t src_line = src == 0x1B ? 3 * w >> 1 : w * bytes_in;
+    if (lines && ((src != 0x1E && g.src_stride < src_line) ||
+                  (dst != 0x01 && g.dst_stride < w * bytes_out)))
+        return {kUnbounded, kUnbounded};
     if (src == 0x01 && dst == 0x01) {
-        if (h > 1 && g.dst_stride < g.dst_width) return {kUnbounded, kUnbounded};
+        if (lines && g.dst_stride < g.dst_width) return {kUnbounded, kUnbounded};
         return {lines_extent(h, g.src_stride, w),
                 lines_extent(h, w + (g.dst_stride - g.dst_width), w)};
     }
