@@ -15,32 +15,39 @@ namespace {
 using namespace orv_fuzz;
 
 struct Format {
-    uint8_t code;       // low byte
-    uint8_t bytes;      // per pixel; Y12P's three bytes a pair count as 2
-    uint8_t word;       // the word its strides are a multiple of
+    uint8_t code;        // low byte
+    uint8_t bytes;       // per pixel (Y12P and YUV 4:2:2 go by pairs)
+    uint8_t word;        // the word its strides are a multiple of
     const char *accepts; // destination low bytes, as a string
 };
+
+// Destination lists that several sources share.
+const char kGreyClasses[] =
+    "\x01\x02\x03\x05\x06\x07\x08\x09\x0a\x0b\x0c\x0d\x0e\x0f\x10\x11\x12";
+const char kColours[] =
+    "\x05\x06\x07\x08\x09\x0a\x0b\x0c\x0d\x0e\x0f\x10\x11\x12";
+const char kFromBayerN[] = "\x06\x08\x0d\x11";
 
 // Every source that OVC_Convert accepts, with its destinations.
 const Format kSources[] = {
     {0x01, 1, 1, "\x01\x02\x03\x05\x06\x07\x08\x09\x0a\x0b\x0c\x0d\x0e\x0f"
                  "\x10\x11\x12\x13\x14\x15\x1c\x1d"},
-    {0x02, 2, 2, "\x01\x02\x03\x05\x06\x07\x08\x09\x0a\x0b\x0c\x0d\x0e\x0f\x10\x11\x12"},
-    {0x13, 2, 2, "\x01\x02\x03\x05\x06\x07\x08\x09\x0a\x0b\x0c\x0d\x0e\x0f\x10\x11\x12"},
-    {0x14, 2, 2, "\x01\x02\x03\x05\x06\x07\x08\x09\x0a\x0b\x0c\x0d\x0e\x0f\x10\x11\x12"},
-    {0x15, 2, 2, "\x01\x02\x03\x05\x06\x07\x08\x09\x0a\x0b\x0c\x0d\x0e\x0f\x10\x11\x12"},
-    {0x1B, 2, 1, "\x06\x07\x08\x0b\x0c\x0d\x11\x12"},
+    {0x02, 2, 2, kGreyClasses},
+    {0x13, 2, 2, kGreyClasses},
+    {0x14, 2, 2, kGreyClasses},
+    {0x15, 2, 2, kGreyClasses},
+    {0x1B, 0, 1, "\x06\x07\x08\x0b\x0c\x0d\x11\x12"},
     {0x08, 4, 1, "\x11"},
-    {0x09, 6, 2, "\x05\x06\x07\x08\x09\x0a\x0b\x0c\x0d\x0e\x0f\x10\x11\x12"},
-    {0x0F, 4, 4, "\x05\x06\x07\x08\x09\x0a\x0b\x0c\x0d\x0e\x0f\x10\x11\x12"},
-    {0x11, 3, 1, "\x05\x06\x07\x08\x09\x0a\x0b\x0c\x0d\x0e\x0f\x10\x11\x12"},
-    {0x1C, 6, 2, "\x05\x06\x07\x08\x09\x0a\x0b\x0c\x0d\x0e\x0f\x10\x11\x12"},
-    {0x1E, 2, 1, "\x07\x08\x0c\x0d\x11\x12"},
+    {0x09, 6, 2, kColours},
+    {0x0F, 4, 4, kColours},
+    {0x11, 3, 1, kColours},
+    {0x1C, 6, 2, kColours},
+    {0x1E, 0, 1, "\x07\x08\x0c\x0d\x11\x12"},
     {0x16, 1, 1, "\x06\x08\x0b\x0d\x11"},
-    {0x17, 2, 2, "\x06\x08\x0d\x11"},
-    {0x18, 2, 2, "\x06\x08\x0d\x11"},
-    {0x19, 2, 2, "\x06\x08\x0d\x11"},
-    {0x1A, 2, 2, "\x06\x08\x0d\x11"},
+    {0x17, 2, 2, kFromBayerN},
+    {0x18, 2, 2, kFromBayerN},
+    {0x19, 2, 2, kFromBayerN},
+    {0x1A, 2, 2, kFromBayerN},
     {0x04, 1, 1, ""}, // never a source
     {0x03, 4, 4, ""}, // destination only
 };
