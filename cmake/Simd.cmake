@@ -5,10 +5,12 @@
 # plain kernels are built.
 set(ORV_ISA_FLAGS_sse2 -msse2)
 set(ORV_ISA_FLAGS_avx2 -mavx2)
-# GCC 12 takes the lanes that its own AVX-512 intrinsics leave undefined
-# on purpose for uninitialized values, inside its headers.
-set(ORV_ISA_FLAGS_avx512 -mavx2 -mavx512f -mavx512bw -mavx512vl
-    -Wno-uninitialized -Wno-maybe-uninitialized)
+set(ORV_ISA_FLAGS_avx512 -mavx2 -mavx512f -mavx512bw -mavx512vl)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+  # GCC 12 takes the lanes that its own AVX-512 intrinsics leave undefined
+  # on purpose for uninitialized values, inside its headers.
+  list(APPEND ORV_ISA_FLAGS_avx512 -Wno-uninitialized -Wno-maybe-uninitialized)
+endif()
 
 if(ORV_SIMD)
   target_compile_definitions(orvane_kernels PUBLIC ORV_SIMD_TWINS=1)

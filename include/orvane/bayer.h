@@ -32,6 +32,11 @@
  * each line, and the RGB16 med_C routines read up to two samples past the
  * line below.
  *
+ * A height of 0 or 1 is not refused: dup writes line 0, and ave and med
+ * write lines 0 and 1 (line 1 one destination stride on), all three
+ * reading source lines 0 and 1. OVC_Convert hands a Bayer source of
+ * height 0 to its routine, so the same holds there.
+ *
  * Every routine is declared below; orvane/bayer_members.h lists the same
  * routines as a macro, for code that wants to iterate over them.
  */

@@ -23,17 +23,39 @@ ORV_EXTERN_C_BEGIN
  * ORV_ERROR_NOT_IMPLEMENTED for a Bayer method or phase that the requested
  * output does not offer. Nothing is written on failure.
  *
- * Conversions that reach past the image, which buffers must allow for:
- *  - Y12P and YUV 4:2:2 sources go by pairs of pixels: an odd width
- *    converts one pixel more per line, reading and writing past the width,
- *    and (YUV) starts the next destination line one pixel further on.
- *  - YUV 4:2:2 sources are read as one packed run: the source stride is
- *    not used.
+ * Conversions that reach past the image, which buffers must allow for
+ * (W, H: the source's width and height; S: a buffer's own stride; P: the
+ * destination's bytes per pixel):
+ *  - Y8 into Y8 and Y16 into Y16 with equal strides and heights copy
+ *    H x S bytes (a 32-bit product) in one block, with no capacity test
+ *    and whatever the widths: the last line's padding is read and written.
+ *  - Y8 into Y8 otherwise steps the destination by S less the
+ *    destination's own width after each line of W bytes: line y is written
+ *    at y x (S + W - destination width), the last one ending at
+ *    (H - 1) x (S + W - destination width) + W, which lies past S x H
+ *    when the destination is narrower than the source.
+ *  - Y12P sources go by pairs of pixels. With an odd W each line converts
+ *    W + 1 pixels, reading 3 x (W + 1) / 2 bytes, and both row steps are
+ *    measured from where the pairs stopped, so the lines drift: source
+ *    line y starts at y x (S + 2), destination line y at y x (S + P). The
+ *    source must hold (H - 1) x (S + 2) + 3 x (W + 1) / 2 bytes and the
+ *    destination (H - 1) x (S + P) + (W + 1) x P, more than S x H although
+ *    the capacity test passed.
+ *  - YUV 4:2:2 sources are read as one packed run, the source stride
+ *    unused: 2 x W bytes a line, W rounded up to even. With an odd W each
+ *    line writes W + 1 pixels and destination line y starts at
+ *    y x (S + P), so the destination must hold (H - 1) x (S + P) +
+ *    (W + 1) x P bytes.
  *  - RGB30 into RGB48 takes green and blue from the next source pixel, so
- *    each line reads one pixel past its end.
+ *    each line reads one pixel (4 bytes) past its end.
+ *  - Bayer sources of height 0 pass the capacity test and still reach
+ *    their demosaic routine (orvane/bayer.h), which writes W pixels of
+ *    line 0 (dup) or of lines 0 and 1 (ave, med), line 1 at the
+ *    destination's stride, and reads source lines 0 and 1 with the reads
+ *    past each line that orvane/bayer.h lists.
  *  - Row steps are 32-bit differences of stride and row length, counted in
  *    the row's word size: give 16- and 32-bit formats strides that are
- *    multiples of their word size.
+ *    multiples of their word size (the extents above assume so).
  *
  * The X byte of XBGR32, BGRX32, XRGB32 and RGBX32 destinations keeps its
  * value from colour and YUV 4:2:2 sources (grey sources write it). When

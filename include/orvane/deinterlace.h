@@ -40,6 +40,15 @@ ORV_API ORV_STATUS OVC_FieldToFrame(OFS_HANDLE field, OFS_HANDLE frame,
  * ORV_ERROR_NOT_SUPPORTED. Median's 32-bit lines stop three pixels short,
  * and the lines after each shift 12 bytes to the left.
  *
+ * A few filled lines are longer than the stride S: Bilinear and Median
+ * 24-bit lines at strides 3 to 5 are six bytes long, Median Y8 lines at a
+ * stride of 1 two bytes, and YUV 4:2:2 lines of both methods at an odd
+ * stride S + 1 bytes. Such a line reads its whole length from the two
+ * field lines around it, so the last one reads past the field's last line:
+ * the field must then hold (height - 1) x S plus the line's length. The
+ * bytes written past S land on the next frame line, which its copy then
+ * overwrites: the frame needs no room beyond its 2 x height lines.
+ *
  * ORV_ERROR_BAD_PARAM also for a field height of 0 and for strides below
  * the smallest line a layout handles (Bilinear: Y8 below 2; Median: Y8 of
  * 0; both: 24-bit below 3, 32-bit and YUV 4:2:2 below 8). Nothing is

@@ -24,6 +24,18 @@ ORV_API int OVC_fput_ui16m(FILE *stream, uint32_t value);
 ORV_API int OVC_fput_ui16i(FILE *stream, uint32_t value);
 ORV_API int OVC_fput_ui8(FILE *stream, uint32_t value);
 
+/* Both file writers open `path` with fopen(path, "wb"), creating or
+ * truncating it; a null `path` returns ORV_ERROR_OPEN_FAILED like any path
+ * that cannot be opened, without reaching fopen. They write through the
+ * standard I/O library and leave signal dispositions alone: writing into a
+ * pipe or FIFO whose reader has gone raises SIGPIPE, and writing past a
+ * file-size limit (RLIMIT_FSIZE) raises SIGXFSZ, and either ends the
+ * process unless the caller ignores or handles it. Ignored, the write
+ * fails instead and the call returns ORV_ERROR_WRITE_FAILED (a raw dump's
+ * write came up short) or ORV_ERROR_CLOSE_FAILED (the bytes still buffered
+ * at the close could not be written). A TIFF stream left open by a failure
+ * is flushed at exit, so the signal can come then. */
+
 /* Saves `buffer` at `path` as a raw dump (OVC_FILE_RAW) or a TIFF file
  * (OVC_FILE_TIFF, see OVC_FileWriteTiff).
  *

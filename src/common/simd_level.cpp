@@ -17,7 +17,7 @@ struct CpuidRegisters {
 
 CpuidRegisters cpuid(unsigned leaf, unsigned subleaf) {
     CpuidRegisters r{0, 0, 0, 0};
-    if (__get_cpuid_max(0, nullptr) >= leaf)
+    if (static_cast<unsigned>(__get_cpuid_max(0, nullptr)) >= leaf)
         __cpuid_count(leaf, subleaf, r.a, r.b, r.c, r.d);
     return r;
 }

@@ -4,7 +4,7 @@
 #include <orvane/fileio.h>
 
 #include "../common/query.h"
-#include "diagnostics.h"
+#include "open_file.h"
 
 #include <cstdio>
 
@@ -25,11 +25,8 @@ extern "C" ORV_API ORV_STATUS OVC_FileWrite(OFS_HANDLE buffer,
     const ORV_STATUS stride_status =
         OFS_BufferParameterGet(buffer, OFS_STRIDE, &stride);
 
-    FILE *stream = std::fopen(path, "wb");
-    if (stream == nullptr) {
-        drop_open_failure(path);
-        return ORV_ERROR_OPEN_FAILED;
-    }
+    FILE *stream = open_for_writing(path);
+    if (stream == nullptr) return ORV_ERROR_OPEN_FAILED;
     // A 32-bit product: a dump of more than 4 GiB wraps to its low bits.
     const size_t count = height * stride;
     const size_t written = std::fwrite(address, 1, count, stream);

@@ -9,7 +9,7 @@
 #include <orvane/fileio.h>
 
 #include "../common/query.h"
-#include "diagnostics.h"
+#include "open_file.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -252,10 +252,7 @@ extern "C" ORV_API ORV_STATUS OVC_FileWriteTiff(OFS_HANDLE buffer,
     const uint32_t width = query_u32(buffer, OFS_WIDTH);
     const uint32_t stride = query_u32(buffer, OFS_STRIDE);
 
-    FILE *stream = std::fopen(path, "wb");
-    if (stream == nullptr) {
-        drop_open_failure(path);
-        return ORV_ERROR_OPEN_FAILED;
-    }
+    FILE *stream = open_for_writing(path);
+    if (stream == nullptr) return ORV_ERROR_OPEN_FAILED;
     return write_tiff(stream, format, pixels, height, width, stride);
 }

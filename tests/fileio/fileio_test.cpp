@@ -108,41 +108,33 @@ struct RawFault {
     const char *what;
     uint32_t file_type;
     const char *path; // null: a fresh scratch file
-    uint32_t height, stride;
     void (*spoil)(TestImage &);
     ORV_STATUS status;
-    bool file_made;
 };
 
 TEST(RawFile, FaultsGiveTheirStatuses) {
     auto keep = [](TestImage &) {};
     const RawFault faults[] = {
-        {"type 0", 0, nullptr, 2, 8, keep, ORV_ERROR_NOT_SUPPORTED, false},
-        {"type 1", 1, nullptr, 2, 8, keep, ORV_ERROR_NOT_SUPPORTED, false},
-        {"type 4", 4, nullptr, 2, 8, keep, ORV_ERROR_NOT_SUPPORTED, false},
-        {"invalid buffer", 4, nullptr, 2, 8,
+        {"type 0", 0, nullptr, keep, ORV_ERROR_NOT_SUPPORTED},
+        {"type 1", 1, nullptr, keep, ORV_ERROR_NOT_SUPPORTED},
+        {"type 4", 4, nullptr, keep, ORV_ERROR_NOT_SUPPORTED},
+        {"invalid buffer", 4, nullptr,
          [](TestImage &i) { i.set_pointer(OFS_BUFFER_VALID, 0); },
-         ORV_ERROR_BAD_PARAM, false},
-        {"null address", OVC_FILE_RAW, nullptr, 2, 8,
+         ORV_ERROR_BAD_PARAM},
+        {"null address", OVC_FILE_RAW, nullptr,
          [](TestImage &i) { i.set_pointer(OFS_START_ADDR, 0); },
-         ORV_ERROR_BAD_PARAM, false},
-        {"missing directory", OVC_FILE_RAW, "/nonexistent-orvane-dir/x.raw", 2,
-         8, keep, ORV_ERROR_OPEN_FAILED, false},
+         ORV_ERROR_BAD_PARAM},
         {"path longer than the message", OVC_FILE_RAW, kLongMissingPath.c_str(),
-         2, 8, keep, ORV_ERROR_OPEN_FAILED, false},
-        {"large write to a full device", OVC_FILE_RAW, "/dev/full", 256, 4096,
-         keep, ORV_ERROR_WRITE_FAILED, true},
-        {"buffered write failing at close", OVC_FILE_RAW, "/dev/full", 2, 8,
-         keep, ORV_ERROR_CLOSE_FAILED, true},
+         keep, ORV_ERROR_OPEN_FAILED},
     };
     for (const auto &f : faults) {
-        TestImage image(ORV_FORMAT_Y8, 4, f.height, f.stride);
+        TestImage image(ORV_FORMAT_Y8, 4, 2, 8);
         f.spoil(image);
         const std::string path = f.path ? f.path : scratch_path("fault.raw");
         EXPECT_EQ(OVC_FileWrite(image.handle(), path.c_str(), f.file_type),
                   f.status)
             << f.what;
-        EXPECT_EQ(file_exists(path), f.file_made) << f.what;
+        EXPECT_FALSE(file_exists(path)) << f.what;
     }
 }
 
@@ -384,7 +376,7 @@ struct TiffFault {
     ORV_STATUS status;
 };
 
-TEST(TiffFile, RefusalsAndDeviceFaults) {
+TEST(TiffFile, Refusals) {
     auto keep = [](TestImage &) {};
     const TiffFault faults[] = {
         {"invalid buffer", nullptr,
@@ -392,8 +384,6 @@ TEST(TiffFile, RefusalsAndDeviceFaults) {
          ORV_ERROR_BAD_PARAM},
         {"format zero", nullptr, [](TestImage &i) { i.set(OFS_FORMAT, 0); },
          ORV_ERROR_BAD_PARAM},
-        {"missing directory", "/nonexistent-orvane-dir/x.tif", keep,
-         ORV_ERROR_OPEN_FAILED},
         {"path longer than the message", kLongMissingPath.c_str(), keep,
          ORV_ERROR_OPEN_FAILED},
     };

@@ -28,8 +28,10 @@ set(exported "")
 foreach(line IN LISTS lines)
   if(line MATCHES "^([^ ]+) ")
     set(name ${CMAKE_MATCH_1})
-    # Sanitizer runtimes add their own hooks to instrumented libraries.
-    if(SANITIZED AND name MATCHES "^__(asan|ubsan|lsan|sanitizer|odr_asan)")
+    # Sanitizer runtimes add their own hooks to instrumented libraries, and
+    # fuzzing coverage the bounds of its sections.
+    if(SANITIZED AND name MATCHES
+       "^__(asan|ubsan|lsan|sanitizer|odr_asan|start___sancov|stop___sancov)")
       continue()
     endif()
     list(APPEND exported ${name})

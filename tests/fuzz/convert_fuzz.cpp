@@ -1,0 +1,221 @@
+// OVC_Convert over every accepted format pair (and the refused ones): the
+// input chooses both formats, the geometry, the Bayer method and phase and
+// the pixels. Both buffers are allocated at exactly the extent that the
+// header gives for the pair, so any other access is a finding; the status
+// must be the one the pair tables and the capacity test give, a refusal
+// must leave the destination as it was, and the source is never written.
+#include "demosaic_members.h"
+#include "fuzz_support.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace {
+
+using namespace orv_fuzz;
+
+struct Format {
+    uint8_t code;        // low byte
+    uint8_t bytes;       // per pixel (Y12P and YUV 4:2:2 go by pairs)
+    uint8_t word;        // the word its strides are a multiple of
+    const char *accepts; // destination low bytes, as a string
+};
+
+// Destination lists that several sources share.
+const char kGreyClasses[] =
+    "\x01\x02\x03\x05\x06\x07\x08\x09\x0a\x0b\x0c\x0d\x0e\x0f\x10\x11\x12";
+const char kColours[] =
+    "\x05\x06\x07\x08\x09\x0a\x0b\x0c\x0d\x0e\x0f\x10\x11\x12";
+const char kFromBayerN[] = "\x06\x08\x0d\x11";
+
+// Every source that OVC_Convert accepts, with its destinations.
+const Format kSources[] = {
+    {0x01, 1, 1, "\x01\x02\x03\x05\x06\x07\x08\x09\x0a\x0b\x0c\x0d\x0e\x0f"
+                 "\x10\x11\x12\x13\x14\x15\x1c\x1d"},
+    {0x02, 2, 2, kGreyClasses},
+    {0x13, 2, 2, kGreyClasses},
+    {0x14, 2, 2, kGreyClasses},
+    {0x15, 2, 2, kGreyClasses},
+    {0x1B, 0, 1, "\x06\x07\x08\x0b\x0c\x0d\x11\x12"},
+    {0x08, 4, 1, "\x11"},
+    {0x09, 6, 2, kColours},
+    {0x0F, 4, 4, kColours},
+    {0x11, 3, 1, kColours},
+    {0x1C, 6, 2, kColours},
+    {0x1E, 0, 1, "\x07\x08\x0c\x0d\x11\x12"},
+    {0x16, 1, 1, "\x06\x08\x0b\x0d\x11"},
+    {0x17, 2, 2, kFromBayerN},
+    {0x18, 2, 2, kFromBayerN},
+    {0x19, 2, 2, kFromBayerN},
+    {0x1A, 2, 2, kFromBayerN},
+    {0x04, 1, 1, ""}, // never a source
+    {0x03, 4, 4, ""}, // destination only
+};
+
+// Bytes and stride word of each destination low byte (0: not a layout).
+struct Layout {
+    uint8_t bytes, word;
+};
+Layout destination_layout(uint32_t code) {
+    static const Layout layouts[0x20] = {
+        {0, 1}, {1, 1}, {2, 2}, {4, 4}, {0, 1}, {2, 2}, {2, 2}, {4, 1},
+        {4, 1}, {6, 2}, {2, 2}, {2, 2}, {4, 1}, {4, 1}, {6, 2}, {4, 4},
+        {4, 4}, {3, 1}, {3, 1}, {2, 2}, {2, 2}, {2, 2}, {1, 1}, {2, 2},
+        {2, 2}, {2, 2}, {2, 2}, {0, 1}, {6, 2}, {6, 2}, {2, 1}, {0, 1}};
+    return layouts[code & 0x1Fu];
+}
+
+bool accepts(const Format &source, uint32_t destination) {
+    return destination != 0 && std::strchr(source.accepts, int(destination));
+}
+
+bool is_bayer(uint32_t code) { return code >= 0x16 && code <= 0x1A; }
+
+// Whether a demosaic routine makes this output by this method and phase.
+bool offered(uint32_t source, uint32_t output, uint32_t method,
+             uint32_t phase) {
+    for (const DemosaicMember &m : kDemosaicMembers)
+        if ((m.bay8 != nullptr) == (source == 0x16) && m.output == output &&
+            m.method == method && m.phase == phase)
+            return true;
+    return false;
+}
+
+struct Geometry {
+    uint32_t width, height, src_stride, dst_stride, dst_width, dst_height;
+};
+
+// A stride of one line plus padding in whole words, or, for an image of
+// at most one line, any stride (the row step is then never taken).
+uint32_t stride_for(FuzzInput &in, uint32_t line_bytes, uint32_t word,
+                    uint32_t height, bool any_allowed) {
+    if (any_allowed && height <= 1 && in.below(8) == 0) return in.below(0x10000);
+    return line_bytes + word * in.below(4);
+}
+
+constexpr size_t kUnbounded = SIZE_MAX;
+
+struct Extent {
+    size_t src, dst;
+};
+
+// What the accepted conversion touches, as the header states it, or
+// kUnbounded where a row step wraps.
+Extent accepted_extent(uint32_t src, uint32_t dst, uint32_t bytes_in,
+                       uint32_t bytes_out, const Geometry &g,
+                       uint32_t method, uint32_t phase) {
+    const uint32_t w = g.width, h = g.height;
+    const size_t pairs = w / 2 + (w & 1u);
+    if ((src == 0x01 || src == 0x02) && src == dst &&
+        g.src_stride == g.dst_stride && h == g.dst_height)
+        return {size_t(h) * g.src_stride, size_t(h) * g.src_stride};
+    // Beyond one line, a stride below its line wraps the row step.
+    const bool lines = h > 1 || is_bayer(src);
+    const uint32_t src_line = src == 0x1B ? 3 * w >> 1 : w * bytes_in;
+    if (lines && ((src != 0x1E && g.src_stride < src_line) ||
+                  (dst != 0x01 && g.dst_stride < w * bytes_out)))
+        return {kUnbounded, kUnbounded};
+    if (src == 0x01 && dst == 0x01) {
+        if (lines && g.dst_stride < g.dst_width) return {kUnbounded, kUnbounded};
+        return {lines_extent(h, g.src_stride, w),
+                lines_extent(h, w + (g.dst_stride - g.dst_width), w)};
+    }
+    if (src == 0x1B)
+        return {lines_extent(h, pairs * 3 + (g.src_stride - (3 * w >> 1)),
+                             pairs * 3),
+                lines_extent(h, pairs * 2 * bytes_out + (g.dst_stride - w * bytes_out),
+                             pairs * 2 * bytes_out)};
+    if (src == 0x1E)
+        return {h * pairs * 4,
+                lines_extent(h, pairs * 2 * bytes_out + (g.dst_stride - w * bytes_out),
+                             pairs * 2 * bytes_out)};
+    if (is_bayer(src)) {
+        if (w < 2) return {kUnbounded, kUnbounded}; // callers pass W >= 2
+        const DemosaicExtent e = demosaic_extent(
+            method_of(method), dst == 0x06 && phase == ORV_BAYER_PHASE_C, w, h,
+            bytes_in, g.src_stride, bytes_out, g.dst_stride);
+        return {e.source, e.destination};
+    }
+    const size_t next_word = src == 0x0F && dst == 0x0E ? 4 : 0;
+    return {lines_extent(h, g.src_stride, size_t(w) * bytes_in + next_word),
+            lines_extent(h, g.dst_stride, size_t(w) * bytes_out)};
+}
+
+const uint32_t kMethods[] = {ORV_BAYER_METHOD_DUP, ORV_BAYER_METHOD_AVE,
+                             ORV_BAYER_METHOD_MED, 0x409, 0x108};
+const uint32_t kPhases[] = {ORV_BAYER_PHASE_A, ORV_BAYER_PHASE_B,
+                            ORV_BAYER_PHASE_C, ORV_BAYER_PHASE_D, 0x50A};
+// Only the low byte of a format takes part; zero is refused.
+const uint32_t kUpperBits[] = {0xC0022600u, 0xC0022600u, 0x00012600u, 0};
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
+    FuzzInput in(data, size);
+    const Format &source = in.pick(kSources);
+    const uint32_t src_low = source.code;
+    const uint32_t dst_low =
+        in.below(8) == 0 || source.accepts[0] == 0
+            ? in.below(0x20)
+            : uint32_t(uint8_t(source.accepts[in.below(
+                  uint32_t(std::strlen(source.accepts)))]));
+    const uint32_t src_format = in.pick(kUpperBits) | src_low;
+    const uint32_t dst_format = in.pick(kUpperBits) | dst_low;
+    const uint32_t method = in.pick(kMethods), phase = in.pick(kPhases);
+    const Layout out = destination_layout(dst_low);
+    const uint32_t out_bytes = out.bytes ? out.bytes : 1;
+
+    Geometry g{};
+    g.width = in.below(in.flag() ? 8 : 160);
+    g.height = in.below(in.flag() ? 4 : 24);
+    const uint32_t src_line = src_low == 0x1B ? (g.width + 1) / 2 * 3
+                                              : g.width * source.bytes;
+    g.src_stride = stride_for(in, src_line, source.word, g.height,
+                              !is_bayer(src_low));
+    g.dst_stride = stride_for(in, g.width * out_bytes, out.word, g.height,
+                              !is_bayer(src_low));
+    g.dst_width = g.width + in.below(5) - 2;
+    g.dst_height = std::max<int>(0, int(g.height) + int(in.below(4)) - 2);
+    if (in.below(4) == 0) g.dst_height = g.height, g.dst_stride = g.src_stride;
+
+    // The status the pair tables and the capacity test give.
+    ORV_STATUS expected = ORV_OK;
+    if (src_format == 0 || dst_format == 0) {
+        expected = ORV_ERROR_BAD_PARAM;
+    } else if (!accepts(source, dst_low)) {
+        expected = ORV_ERROR_NOT_SUPPORTED;
+    } else if (!((src_low == 0x01 || src_low == 0x02) && src_low == dst_low &&
+                 g.src_stride == g.dst_stride && g.height == g.dst_height) &&
+               uint64_t(g.width) * g.height * out.bytes >
+                   uint64_t(g.dst_stride) * g.dst_height) {
+        expected = ORV_ERROR_BAD_PARAM;
+    } else if (is_bayer(src_low) && !offered(src_low, dst_low, method, phase)) {
+        expected = ORV_ERROR_NOT_IMPLEMENTED;
+    }
+
+    Extent extent = accepted_extent(src_low, dst_low, source.bytes, out_bytes,
+                                    g, method, phase);
+    if (expected != ORV_OK) {
+        // Nothing may be touched: any memory will do.
+        extent = {std::min<size_t>(extent.src, 4096),
+                  std::min<size_t>(extent.dst, 4096)};
+    } else if (extent.src > (1u << 22) || extent.dst > (1u << 22)) {
+        return 0; // a wrapped row step or a geometry callers must not pass
+    }
+
+    const Bytes src_bytes = in.pixels(extent.src);
+    const Bytes dst_bytes = in.pixels(extent.dst);
+    Image src(src_bytes, src_format, g.width, g.height, g.src_stride);
+    Image dst(dst_bytes, dst_format, g.dst_width, g.dst_height, g.dst_stride);
+    src.set(OFS_BAYER_METHOD, method);
+    src.set(OFS_BAYER_PHASE, phase);
+
+    const ORV_STATUS status = OVC_Convert(src.handle(), dst.handle());
+    check(status == expected, "status of the pair tables and capacity test");
+    check(src.memory().bytes() == src_bytes, "source left unwritten");
+    if (status != ORV_OK)
+        check(dst.memory().bytes() == dst_bytes, "refusal leaves destination");
+    check(src.memory().intact() && dst.memory().intact(),
+          "nothing written outside either buffer");
+    return 0;
+}

@@ -1,0 +1,119 @@
+// OVC_FieldToFrame and its four method routines: the input chooses the
+// entry, the method, the parity, the field's format and geometry (strides
+// from 0, the shortest lines each layout has, odd strides), the frame's
+// capacity and the pixels. The field and the frame are allocated at
+// exactly the extent the header gives: 2 x height lines at the field's
+// stride, less where Median's 32-bit lines shear, and past the field's
+// last line by as much as a filled line is longer than the stride.
+#include "field_lines.h"
+#include "fuzz_support.h"
+
+#include <algorithm>
+
+namespace {
+
+using namespace orv_fuzz;
+
+ORV_STATUS (*const kMethods[])(OFS_HANDLE, OFS_HANDLE, uint32_t) = {
+    OVC_FieldToFrame_LineDup, OVC_FieldToFrame_LineAve,
+    OVC_FieldToFrame_Bilinear, OVC_FieldToFrame_Median};
+
+const uint32_t kFormats[] = {
+    ORV_FORMAT_Y8,     ORV_FORMAT_XBGR32, ORV_FORMAT_BGRX32, ORV_FORMAT_XRGB32,
+    ORV_FORMAT_RGBX32, ORV_FORMAT_BGR24,  ORV_FORMAT_RGB24,  ORV_FORMAT_YUV422,
+    ORV_FORMAT_Y16,    ORV_FORMAT_RGB16,  0x00022601u,       0};
+
+Shape shape_of(uint32_t method, uint32_t format) {
+    if (method < 2) return Shape::bytes;
+    switch (format) {
+    case ORV_FORMAT_Y8: return Shape::grey;
+    case ORV_FORMAT_BGR24: case ORV_FORMAT_RGB24: return Shape::triple;
+    case ORV_FORMAT_XBGR32: case ORV_FORMAT_BGRX32:
+    case ORV_FORMAT_XRGB32: case ORV_FORMAT_RGBX32: return Shape::quad;
+    case ORV_FORMAT_YUV422: return Shape::yuv;
+    default: return Shape::unhandled;
+    }
+}
+
+struct Extent {
+    size_t field, frame;
+};
+
+// Walks the frame as the header lays it out: field lines copied S bytes
+// at a time, filled lines between them.
+Extent frame_extent(uint32_t height, uint32_t s, bool parity, Filled line) {
+    size_t field = 0, frame = 0, field_end = 0, frame_end = 0;
+    const auto copy = [&] {
+        field_end = std::max(field_end, field + s);
+        frame += s;
+        frame_end = std::max(frame_end, frame);
+    };
+    if (!parity) copy();
+    for (uint32_t i = 0; i + 1 < height; ++i) {
+        copy();
+        field_end = std::max(field_end, field + s + line.length);
+        frame_end = std::max(frame_end, frame + line.length);
+        field += line.step;
+        frame += line.step;
+    }
+    copy();
+    if (parity) copy();
+    return {field_end, frame_end};
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
+    FuzzInput in(data, size);
+    const uint32_t method = in.below(5); // 4 is no method
+    const bool dispatched = method == 4 || in.flag();
+    const uint32_t parity = in.flag() ? in.in(1, 0xFFFF) : 0;
+    const uint32_t format = in.pick(kFormats);
+    const uint32_t width = in.below(200);
+    const uint32_t height = in.below(in.flag() ? 4 : 20);
+    const uint32_t stride = in.below(in.flag() ? 16 : 600);
+    const uint32_t frame_stride = in.below(700);
+    const uint32_t frame_height =
+        uint32_t(std::max(0, int(2 * height + in.below(4)) - 2));
+    const uint32_t invalid = in.below(16); // 1: field, 2: frame
+
+    const Shape shape = shape_of(method, format);
+    const Filled line = filled_line(shape, method == 3, stride);
+    ORV_STATUS expected = ORV_OK;
+    if (invalid == 1 || (invalid == 2 && dispatched)) {
+        expected = ORV_ERROR_BAD_PARAM;
+    } else if (method == 4) {
+        expected = ORV_ERROR_NOT_SUPPORTED;
+    } else if (method >= 2 && format == 0) {
+        expected = ORV_ERROR_BAD_PARAM;
+    } else if (uint64_t(2) * width * height >
+               uint64_t(frame_height) * frame_stride) {
+        expected = ORV_ERROR_BAD_PARAM;
+    } else if (shape == Shape::unhandled) {
+        expected = ORV_ERROR_NOT_SUPPORTED;
+    } else if (height == 0 || stride < line.least_stride) {
+        expected = ORV_ERROR_BAD_PARAM;
+    }
+    Extent extent{64, 64}; // a refusal touches nothing
+    if (expected == ORV_OK)
+        extent = frame_extent(height, stride, parity != 0, line);
+
+    const Bytes field_bytes = in.pixels(extent.field);
+    const Bytes frame_bytes = in.pixels(extent.frame);
+    Image field(field_bytes, format, width, height, stride);
+    Image frame(frame_bytes, ORV_FORMAT_Y8, width, frame_height, frame_stride);
+    if (invalid == 1) field.invalidate();
+    if (invalid == 2) frame.invalidate();
+
+    const ORV_STATUS status =
+        dispatched
+            ? OVC_FieldToFrame(field.handle(), frame.handle(), method, parity)
+            : kMethods[method](field.handle(), frame.handle(), parity);
+    check(status == expected, "status of the checks and capacity test");
+    check(field.memory().bytes() == field_bytes, "field left unwritten");
+    if (status != ORV_OK)
+        check(frame.memory().bytes() == frame_bytes, "refusal leaves frame");
+    check(field.memory().intact() && frame.memory().intact(),
+          "nothing written outside either buffer");
+    return 0;
+}

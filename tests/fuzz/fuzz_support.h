@@ -1,0 +1,117 @@
+// What every fuzz target shares: a reader that turns the input into
+// choices and pixel bytes, buffers allocated at exactly the extent a call
+// may touch, images made of them, and the check that reports a finding.
+#ifndef ORVANE_FUZZ_SUPPORT_H
+#define ORVANE_FUZZ_SUPPORT_H
+
+#include <orvaneimage.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size);
+
+namespace orv_fuzz {
+
+using Bytes = std::vector<uint8_t>;
+
+// A finding: prints what was expected and aborts, so that libFuzzer (or
+// the replay driver's caller) keeps the input.
+[[noreturn]] void finding(const char *what);
+inline void check(bool holds, const char *what) {
+    if (!holds) finding(what);
+}
+
+// Reads choices from the front of the input; once it is used up every
+// choice is 0. The bytes left over become pixels.
+class FuzzInput {
+public:
+    FuzzInput(const uint8_t *data, size_t size) : data_(data), size_(size) {}
+
+    // A value below `bound` (at least 1), from one, two or four bytes.
+    uint32_t below(uint32_t bound);
+    // A value in [low, high].
+    uint32_t in(uint32_t low, uint32_t high) { return low + below(high - low + 1); }
+    bool flag() { return below(2) != 0; }
+    template <class T, size_t N> const T &pick(const T (&choices)[N]) {
+        return choices[below(N)];
+    }
+    // `count` bytes: the rest of the input over and over, or a fixed
+    // pseudo-random run when nothing is left.
+    Bytes pixels(size_t count);
+
+private:
+    const uint8_t *data_;
+    size_t size_;
+};
+
+// Memory of exactly `size` bytes between two guard zones. Under
+// AddressSanitizer the guards are poisoned, so any access outside is
+// reported at once; without it they hold a pattern that a write outside
+// spoils (see intact()).
+class ExactBytes {
+public:
+    explicit ExactBytes(const Bytes &content);
+    ~ExactBytes();
+    ExactBytes(const ExactBytes &) = delete;
+    ExactBytes &operator=(const ExactBytes &) = delete;
+
+    uint8_t *data() { return storage_.get() + kGuard; }
+    Bytes bytes() const;
+    // Both guards as they were made.
+    bool intact() const;
+
+private:
+    static constexpr size_t kGuard = 64;
+    size_t size_;
+    std::unique_ptr<uint8_t[]> storage_;
+};
+
+// A buffer-library descriptor of an ExactBytes image.
+class Image {
+public:
+    Image(const Bytes &content, uint32_t format, uint32_t width,
+          uint32_t height, uint32_t stride);
+    ~Image();
+    Image(const Image &) = delete;
+    Image &operator=(const Image &) = delete;
+
+    OFS_HANDLE handle() const { return handle_; }
+    ExactBytes &memory() { return memory_; }
+    void set(uint32_t parameter, uint32_t value);
+    void invalidate();
+
+private:
+    ExactBytes memory_;
+    OFS_HANDLE handle_;
+};
+
+// What a demosaic routine touches, for a source of W x H samples of
+// `sample_bytes` each and a destination of `pixel_bytes` a pixel, both
+// buffers' strides at least a line long (and even for 16-bit samples):
+// line 0 reads line 1, so at least two source lines are read; dup writes
+// at least one line, ave and med at least two; with an odd width ave and
+// med read the sample after each line, and the RGB16 med_C routines read
+// one more sample of the line below (two past it with an odd width once
+// there are inner lines, one with an even width when line 1 is the last).
+struct DemosaicExtent {
+    size_t source, destination;
+};
+enum class DemosaicMethod { dup, ave, med };
+DemosaicExtent demosaic_extent(DemosaicMethod method, bool rgb16_phase_c,
+                               uint32_t width, uint32_t height,
+                               uint32_t sample_bytes, uint32_t source_stride,
+                               uint32_t pixel_bytes,
+                               uint32_t destination_stride);
+
+// The extent of `lines` lines `pitch` bytes apart, the last one
+// `last_line` bytes long; 0 for no line.
+inline size_t lines_extent(uint32_t lines, size_t pitch, size_t last_line) {
+    return lines == 0 ? 0 : (lines - 1) * pitch + last_line;
+}
+
+} // namespace orv_fuzz
+
+#endif // ORVANE_FUZZ_SUPPORT_H
