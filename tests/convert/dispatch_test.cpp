@@ -145,8 +145,9 @@ TEST(ConvertCapacity, EveryFormFitsExactlyAndWrapsAsStated) {
             TestImage dst(format(f.dst), 1, c.height, c.stride, need, 0xEE);
             EXPECT_EQ(OVC_Convert(src.handle(), dst.handle()), c.status)
                 << std::hex << f.src << " -> " << f.dst << std::dec << ", stride " << c.stride;
-            if (c.status != ORV_OK)
+            if (c.status != ORV_OK) {
                 EXPECT_EQ(dst.bytes(), std::vector<uint8_t>(need, 0xEE));
+            }
         }
     }
 }

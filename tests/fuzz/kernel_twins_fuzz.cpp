@@ -115,18 +115,21 @@ void test_convert(FuzzInput &in) {
     compare_levels(by_level, c, run_convert);
 }
 
-// ---- De-interlace filled lines -----------------------------------------------
+// ---- De-interlace line pairs ---------------------------------------------------
 
 using orv::deinterlace::DeinterlaceKernels;
-using orv::deinterlace::FillLine;
+using orv::deinterlace::LinePair;
 
+// Each entry writes a copy of the field line (stride bytes) and the filled
+// line after it; LineDup's filled line is a second copy.
 struct LineEntry {
-    FillLine DeinterlaceKernels::*entry;
+    LinePair DeinterlaceKernels::*entry;
     Shape shape;
     bool median;
 };
 
 const LineEntry kLines[] = {
+    {&DeinterlaceKernels::line_twice, Shape::bytes, false},
     {&DeinterlaceKernels::average, Shape::bytes, false},
     {&DeinterlaceKernels::bilinear_grey, Shape::grey, false},
     {&DeinterlaceKernels::bilinear_triple, Shape::triple, false},
@@ -141,7 +144,7 @@ const LineEntry kLines[] = {
 struct LineCase {
     const LineEntry *line;
     uint32_t stride;
-    Bytes field, out; // the two field lines, S bytes apart
+    Bytes field, out; // the two field lines, S bytes apart; copy and filled line
 };
 
 // The filled line's bytes, then the step it returned.
@@ -164,7 +167,7 @@ void test_deinterlace(FuzzInput &in) {
     c.stride = least + in.below(in.flag() ? 80 : 2100);
     const Filled filled = filled_line(c.line->shape, c.line->median, c.stride);
     c.field = in.pixels(size_t(c.stride) + filled.length);
-    c.out = in.pixels(filled.length);
+    c.out = in.pixels(size_t(c.stride) + filled.length);
     static const DeinterlaceKernels *const by_level[orv::kSimdLevels] =
         ORV_TABLES_BY_LEVEL(deinterlace_kernels);
     compare_levels(by_level, c, run_line);
