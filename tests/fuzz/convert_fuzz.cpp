@@ -4,7 +4,7 @@
 // header gives for the pair, so any other access is a finding; the status
 // must be the one the pair tables and the capacity test give, a refusal
 // must leave the destination as it was, and the source is never written.
-#include "demosaic_members.h"
+#include "bayer/member_table.h"
 #include "fuzz_support.h"
 
 #include <algorithm>
@@ -74,11 +74,8 @@ bool is_bayer(uint32_t code) { return code >= 0x16 && code <= 0x1A; }
 // Whether a demosaic routine makes this output by this method and phase.
 bool offered(uint32_t source, uint32_t output, uint32_t method,
              uint32_t phase) {
-    for (const DemosaicMember &m : kDemosaicMembers)
-        if ((m.bay8 != nullptr) == (source == 0x16) && m.output == output &&
-            m.method == method && m.phase == phase)
-            return true;
-    return false;
+    return orv::bayer::find_member(source != 0x16, output, method, phase) !=
+           nullptr;
 }
 
 struct Geometry {

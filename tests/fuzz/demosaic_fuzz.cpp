@@ -4,7 +4,7 @@
 // are allocated at exactly the extent the header gives, so any other
 // access is a finding; a refusal (an invalid buffer, depth 8) must leave
 // the destination as it was, and the source is never written.
-#include "demosaic_members.h"
+#include "bayer/member_table.h"
 #include "fuzz_support.h"
 
 namespace {
@@ -25,9 +25,9 @@ const uint32_t kDepths[] = {10, 12, 14, 16, 10, 12, 8, 0, 9, 20, 40};
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     FuzzInput in(data, size);
-    const DemosaicMember &member = in.pick(kDemosaicMembers);
+    const orv::bayer::DemosaicMember &member = in.pick(orv::bayer::kDemosaicMembers);
     const uint32_t depth = in.pick(kDepths);
-    const uint32_t sample = member.bay8 ? 1 : 2;
+    const uint32_t sample = member.n_bit ? 2 : 1;
     const uint32_t out = pixel_bytes(member.output);
     const uint32_t width = in.in(2, in.flag() ? 9 : 130);
     const uint32_t height = in.below(in.flag() ? 5 : 24);
@@ -36,7 +36,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     const uint32_t invalid = in.below(16); // 1: source, 2: destination
 
     const ORV_STATUS expected =
-        invalid == 1 || invalid == 2 || (member.bayn && depth == 8)
+        invalid == 1 || invalid == 2 || (member.n_bit && depth == 8)
             ? ORV_ERROR_BAD_PARAM
             : ORV_OK;
     const DemosaicExtent extent = demosaic_extent(
@@ -46,7 +46,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
         width, height, sample, src_stride, out, dst_stride);
     const Bytes src_bytes = in.pixels(extent.source);
     const Bytes dst_bytes = in.pixels(extent.destination);
-    Image src(src_bytes, member.bay8 ? ORV_FORMAT_BAY8 : ORV_FORMAT_BAY12,
+    Image src(src_bytes, member.n_bit ? ORV_FORMAT_BAY12 : ORV_FORMAT_BAY8,
               width, height, src_stride);
     // The destination's own geometry is never read: give it none.
     Image dst(dst_bytes, ORV_FORMAT_Y8, 0, 0, dst_stride);
@@ -54,8 +54,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     if (invalid == 2) dst.invalidate();
 
     const ORV_STATUS status =
-        member.bay8 ? member.bay8(src.handle(), dst.handle())
-                    : member.bayn(src.handle(), dst.handle(), depth);
+        member.call(src.handle(), dst.handle(), depth);
     check(status == expected, "status: only invalid buffers and depth 8 fail");
     check(src.memory().bytes() == src_bytes, "source left unwritten");
     if (status != ORV_OK)

@@ -100,6 +100,11 @@ struct DemosaicExtent {
     size_t source, destination;
 };
 enum class DemosaicMethod { dup, ave, med };
+inline DemosaicMethod method_of(uint32_t method) {
+    return method == ORV_BAYER_METHOD_DUP   ? DemosaicMethod::dup
+           : method == ORV_BAYER_METHOD_AVE ? DemosaicMethod::ave
+                                            : DemosaicMethod::med;
+}
 DemosaicExtent demosaic_extent(DemosaicMethod method, bool rgb16_phase_c,
                                uint32_t width, uint32_t height,
                                uint32_t sample_bytes, uint32_t source_stride,
