@@ -109,11 +109,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
         dispatched
             ? OVC_FieldToFrame(field.handle(), frame.handle(), method, parity)
             : kMethods[method](field.handle(), frame.handle(), parity);
-    check(status == expected, "status of the checks and capacity test");
-    check(field.memory().bytes() == field_bytes, "field left unwritten");
-    if (status != ORV_OK)
-        check(frame.memory().bytes() == frame_bytes, "refusal leaves frame");
-    check(field.memory().intact() && frame.memory().intact(),
-          "nothing written outside either buffer");
+    check_call(status, expected, "status of the checks and capacity test",
+               field, field_bytes, frame, frame_bytes);
     return 0;
 }

@@ -88,6 +88,20 @@ private:
     OFS_HANDLE handle_;
 };
 
+// What every call must leave: the expected status, the source as it was,
+// the destination as it was after a refusal, nothing outside either.
+inline void check_call(ORV_STATUS status, ORV_STATUS expected,
+                       const char *status_rule, Image &src,
+                       const Bytes &src_bytes, Image &dst,
+                       const Bytes &dst_bytes) {
+    check(status == expected, status_rule);
+    check(src.memory().bytes() == src_bytes, "source left unwritten");
+    if (status != ORV_OK)
+        check(dst.memory().bytes() == dst_bytes, "refusal leaves destination");
+    check(src.memory().intact() && dst.memory().intact(),
+          "nothing written outside either buffer");
+}
+
 // What a demosaic routine touches, for a source of W x H samples of
 // `sample_bytes` each and a destination of `pixel_bytes` a pixel, both
 // buffers' strides at least a line long (and even for 16-bit samples):
