@@ -10,6 +10,7 @@
 // faults; the output starts as a pattern.
 #include "deinterlace/byte_lines.h"
 #include "deinterlace/kernels.h"
+#include "support/field_lines.h"
 #include "support/guarded_bytes.h"
 #include "support/kernel_levels.h"
 #include "support/test_image.h"
@@ -24,46 +25,29 @@ using orv::deinterlace::DeinterlaceKernels;
 using orv::deinterlace::LinePair;
 using Bytes = std::vector<uint8_t>;
 
-// `extent`: the bytes the filled line writes after the copy's stride and
-// reads from each field line, from their starts. 32-bit lines stop at the
-// last whole pixel (the median's three pixels sooner); 24-bit lines write
-// two pixels of means even below a six-byte stride, the median's Y8 line
-// two means below a two-byte one; YUV 4:2:2 lines run one byte past an odd
-// stride. LineDup's filled line is a second copy: it reads the line above
-// only.
-enum class Reads { both_lines, line_above };
+// The filled line writes `filled_line(...).length` bytes after the copy's
+// stride and reads as many from each field line; LineDup's filled line is
+// a second copy: it reads the line above only.
+using orv_test::Shape;
 
 struct Line {
     const char *name;
     LinePair DeinterlaceKernels::*entry;
-    uint32_t least_stride;
-    size_t (*extent)(uint32_t stride);
-    Reads reads = Reads::both_lines;
+    Shape shape;
+    bool median = false, reads_line_below = true;
 };
 
 const Line lines[] = {
-    {"LineDup", &DeinterlaceKernels::line_twice, 0,
-     [](uint32_t s) -> size_t { return s; }, Reads::line_above},
-    {"LineAve", &DeinterlaceKernels::average, 0,
-     [](uint32_t s) -> size_t { return s; }},
-    {"Bilinear Y8", &DeinterlaceKernels::bilinear_grey, 2,
-     [](uint32_t s) -> size_t { return s; }},
-    {"Bilinear 24-bit", &DeinterlaceKernels::bilinear_triple, 3,
-     [](uint32_t s) -> size_t { return std::max(s, 6u); }},
-    {"Bilinear 32-bit", &DeinterlaceKernels::bilinear_quad, 8,
-     [](uint32_t s) -> size_t { return s & ~3u; }},
-    {"Bilinear YUV 4:2:2", &DeinterlaceKernels::bilinear_yuv, 8,
-     [](uint32_t s) -> size_t { return s + (s & 1u); }},
-    {"Median Y8", &DeinterlaceKernels::median_grey, 1,
-     [](uint32_t s) -> size_t { return std::max(s, 2u); }},
-    {"Median 24-bit", &DeinterlaceKernels::median_triple, 3,
-     [](uint32_t s) -> size_t { return std::max(s, 6u); }},
-    {"Median 32-bit", &DeinterlaceKernels::median_quad, 8,
-     [](uint32_t s) -> size_t {
-         return 8 + 4 * orv::field_lines::MedianOfSix::inner_pixels_32(s);
-     }},
-    {"Median YUV 4:2:2", &DeinterlaceKernels::median_yuv, 8,
-     [](uint32_t s) -> size_t { return s + (s & 1u); }},
+    {"LineDup", &DeinterlaceKernels::line_twice, Shape::bytes, false, false},
+    {"LineAve", &DeinterlaceKernels::average, Shape::bytes},
+    {"Bilinear Y8", &DeinterlaceKernels::bilinear_grey, Shape::grey},
+    {"Bilinear 24-bit", &DeinterlaceKernels::bilinear_triple, Shape::triple},
+    {"Bilinear 32-bit", &DeinterlaceKernels::bilinear_quad, Shape::quad},
+    {"Bilinear YUV 4:2:2", &DeinterlaceKernels::bilinear_yuv, Shape::yuv},
+    {"Median Y8", &DeinterlaceKernels::median_grey, Shape::grey, true},
+    {"Median 24-bit", &DeinterlaceKernels::median_triple, Shape::triple, true},
+    {"Median 32-bit", &DeinterlaceKernels::median_quad, Shape::quad, true},
+    {"Median YUV 4:2:2", &DeinterlaceKernels::median_yuv, Shape::yuv, true},
 };
 
 std::vector<uint32_t> strides() {
@@ -116,14 +100,14 @@ TEST(FilledLineTwins, WriteExactlyThePlainLinesBytes) {
     uint32_t seed = 7;
     for (const Line &line : lines)
         for (uint32_t stride : strides()) {
-            if (stride < line.least_stride) continue;
-            const size_t extent = line.extent(stride);
+            const orv_test::Filled filled =
+                orv_test::filled_line(line.shape, line.median, stride);
+            if (stride < filled.least_stride) continue;
+            const size_t extent = filled.length;
             for (Content content :
                  {Content::Random, Content::Full, Content::Stripes}) {
                 // The line below starts `stride` bytes after the one above.
-                const size_t read = line.reads == Reads::both_lines
-                                        ? stride + extent
-                                        : stride;
+                const size_t read = line.reads_line_below ? stride + extent : stride;
                 const Bytes field = field_bytes(read, content, ++seed);
                 const size_t written = stride + extent;
                 const Filled expected =

@@ -5,14 +5,15 @@
 // exactly the extent the header gives: 2 x height lines at the field's
 // stride, less where Median's 32-bit lines shear, and past the field's
 // last line by as much as a filled line is longer than the stride.
-#include "field_lines.h"
 #include "fuzz_support.h"
+#include "support/field_lines.h"
 
 #include <algorithm>
 
 namespace {
 
 using namespace orv_fuzz;
+using namespace orv_test;
 
 ORV_STATUS (*const kMethods[])(OFS_HANDLE, OFS_HANDLE, uint32_t) = {
     OVC_FieldToFrame_LineDup, OVC_FieldToFrame_LineAve,
@@ -22,44 +23,6 @@ const uint32_t kFormats[] = {
     ORV_FORMAT_Y8,     ORV_FORMAT_XBGR32, ORV_FORMAT_BGRX32, ORV_FORMAT_XRGB32,
     ORV_FORMAT_RGBX32, ORV_FORMAT_BGR24,  ORV_FORMAT_RGB24,  ORV_FORMAT_YUV422,
     ORV_FORMAT_Y16,    ORV_FORMAT_RGB16,  0x00022601u,       0};
-
-Shape shape_of(uint32_t method, uint32_t format) {
-    if (method < 2) return Shape::bytes;
-    switch (format) {
-    case ORV_FORMAT_Y8: return Shape::grey;
-    case ORV_FORMAT_BGR24: case ORV_FORMAT_RGB24: return Shape::triple;
-    case ORV_FORMAT_XBGR32: case ORV_FORMAT_BGRX32:
-    case ORV_FORMAT_XRGB32: case ORV_FORMAT_RGBX32: return Shape::quad;
-    case ORV_FORMAT_YUV422: return Shape::yuv;
-    default: return Shape::unhandled;
-    }
-}
-
-struct Extent {
-    size_t field, frame;
-};
-
-// Walks the frame as the header lays it out: field lines copied S bytes
-// at a time, filled lines between them.
-Extent frame_extent(uint32_t height, uint32_t s, bool parity, Filled line) {
-    size_t field = 0, frame = 0, field_end = 0, frame_end = 0;
-    const auto copy = [&] {
-        field_end = std::max(field_end, field + s);
-        frame += s;
-        frame_end = std::max(frame_end, frame);
-    };
-    if (!parity) copy();
-    for (uint32_t i = 0; i + 1 < height; ++i) {
-        copy();
-        field_end = std::max(field_end, field + s + line.length);
-        frame_end = std::max(frame_end, frame + line.length);
-        field += line.step;
-        frame += line.step;
-    }
-    copy();
-    if (parity) copy();
-    return {field_end, frame_end};
-}
 
 } // namespace
 
@@ -94,9 +57,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     } else if (height == 0 || stride < line.least_stride) {
         expected = ORV_ERROR_BAD_PARAM;
     }
-    Extent extent{64, 64}; // a refusal touches nothing
+    Reach extent{64, 64}; // a refusal touches nothing
     if (expected == ORV_OK)
-        extent = frame_extent(height, stride, parity != 0, line);
+        extent = frame_reach(height, stride, parity != 0, line);
 
     const Bytes field_bytes = in.pixels(extent.field);
     const Bytes frame_bytes = in.pixels(extent.frame);

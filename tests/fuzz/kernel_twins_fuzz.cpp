@@ -8,11 +8,11 @@
 //
 // A family is a case reader and a runner over its table; adding a family
 // is one more entry in kFamilies.
-#include "field_lines.h"
 #include "fuzz_support.h"
 
 #include "convert/kernels.h"
 #include "deinterlace/kernels.h"
+#include "support/field_lines.h"
 #include "support/kernel_levels.h"
 
 #include <cstring>
@@ -20,6 +20,9 @@
 namespace {
 
 using namespace orv_fuzz;
+using orv_test::Filled;
+using orv_test::filled_line;
+using orv_test::Shape;
 
 // Runs `run` on the plain table and on every twin level; all must agree.
 template <class Table, class Case>
