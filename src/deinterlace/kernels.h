@@ -10,7 +10,7 @@
 #ifndef ORVANE_DEINTERLACE_KERNELS_H
 #define ORVANE_DEINTERLACE_KERNELS_H
 
-#include "frame.h"
+#include "frame_assembly.h"
 
 #include "../common/isa.h"
 

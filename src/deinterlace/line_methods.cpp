@@ -2,7 +2,7 @@
 // stride, whatever the pixel format (the format is never asked). Both take
 // their line pairs (a field line's copy and its filled line) from the
 // kernel table of the level in use.
-#include "frame.h"
+#include "frame_assembly.h"
 #include "kernels.h"
 
 extern "C" ORV_API ORV_STATUS OVC_FieldToFrame_LineDup(OFS_HANDLE field,

@@ -10,7 +10,7 @@
 // field line's copy and its filled line) from the kernel table of the
 // level in use.
 #include "byte_lines.h"
-#include "frame.h"
+#include "frame_assembly.h"
 #include "kernels.h"
 
 namespace orv {

@@ -23,12 +23,33 @@ constexpr uint32_t kTypeShort = 3;
 constexpr uint32_t kTypeLong = 4;
 constexpr uint32_t kTypeRational = 5;
 
-// The formats are told apart by their full 32-bit codes.
-bool is_colour(uint32_t format) {
-    return format == ORV_FORMAT_BGR24 || format == ORV_FORMAT_RGB24;
-}
-bool is_grey(uint32_t format) {
-    return format == ORV_FORMAT_Y8 || format == ORV_FORMAT_Y16;
+// How each format the writer knows fills the directory: the entries it
+// declares, samples per pixel (BitsPerSample's count too), bits per
+// sample and PhotometricInterpretation, and, for the two formats it never
+// finishes, where it stops, the stream left open. Formats are told apart
+// by their full 32-bit codes; any other stops before the directory.
+enum class StopsAt { nowhere, bits_per_sample, strip_byte_count };
+
+struct TiffLayout {
+    uint32_t format;
+    uint32_t entries, samples, bits, photometric;
+    StopsAt stops_at;
+};
+
+constexpr TiffLayout kLayouts[] = {
+    {ORV_FORMAT_Y8, 13, 1, 8, 1, StopsAt::nowhere},
+    {ORV_FORMAT_BGR24, 14, 3, 8, 2, StopsAt::nowhere},
+    // After its count: the file ends inside the directory, ten of its
+    // thirteen entries written.
+    {ORV_FORMAT_Y16, 13, 1, 16, 1, StopsAt::strip_byte_count},
+    // After BitsPerSample's tag and type, fourteen entries declared.
+    {ORV_FORMAT_RGB24, 14, 3, 8, 2, StopsAt::bits_per_sample},
+};
+
+const TiffLayout *layout_of(uint32_t format) {
+    for (const TiffLayout &layout : kLayouts)
+        if (layout.format == format) return &layout;
+    return nullptr;
 }
 
 void put_tag(FILE *f, uint32_t tag, uint32_t type, uint32_t count) {
@@ -121,76 +142,44 @@ ORV_STATUS write_tiff(FILE *f, uint32_t format, const uint8_t *pixels,
     OVC_fput_ui16m(f, 42);
     OVC_fput_ui32m(f, 8);
 
-    uint32_t entries;
-    if (is_colour(format)) {
-        entries = 14;
-    } else if (is_grey(format)) {
-        entries = 13;
-    } else {
+    const TiffLayout *layout = layout_of(format);
+    if (layout == nullptr) {
         drop_format_failure(format, "IFD");
         return fail_leaving_stream_open(f, ORV_ERROR_BAD_FORMAT);
     }
-    OVC_fput_ui16m(f, entries);
+    OVC_fput_ui16m(f, layout->entries);
 
     put_long_entry(f, 254, 0);          // NewSubfileType
     put_short_entry(f, 256, width);     // ImageWidth, low 16 bits
     put_short_entry(f, 257, height);    // ImageLength, low 16 bits
     OVC_fput_ui16m(f, 258);             // BitsPerSample
     OVC_fput_ui16m(f, kTypeShort);
-    long bits_slot = 0;
-    if (format == ORV_FORMAT_Y8) {
-        OVC_fput_ui32m(f, 1);
-        put_short_value(f, 8);
-    } else if (format == ORV_FORMAT_Y16) {
-        OVC_fput_ui32m(f, 1);
-        put_short_value(f, 16);
-    } else if (format == ORV_FORMAT_BGR24) {
-        OVC_fput_ui32m(f, 3);
+    if (layout->stops_at == StopsAt::bits_per_sample) {
+        drop_format_failure(format, "BitsPerSample");
+        return fail_leaving_stream_open(f, ORV_ERROR_BAD_PARAM);
+    }
+    OVC_fput_ui32m(f, layout->samples);
+    long bits_slot = 0; // one value in the entry, or an array patched in
+    if (layout->samples == 1) {
+        put_short_value(f, layout->bits);
+    } else {
         bits_slot = position(f);
         if (bits_slot == -1)
             return fail_leaving_stream_open(f, ORV_ERROR_BAD_PARAM);
         OVC_fput_ui32m(f, 0);
-    } else { // RGB24 stops here, with 14 entries declared
-        drop_format_failure(format, "BitsPerSample");
-        return fail_leaving_stream_open(f, ORV_ERROR_BAD_PARAM);
     }
 
-    put_short_entry(f, 259, 1); // Compression: none
-    put_tag(f, 262, kTypeShort, 1); // PhotometricInterpretation
-    if (is_grey(format)) {
-        put_short_value(f, 1);
-    } else if (format == ORV_FORMAT_BGR24) {
-        put_short_value(f, 2);
-    } else {
-        drop_format_failure(format, "PhotometricInterpretation");
-        return fail_leaving_stream_open(f, ORV_ERROR_BAD_PARAM);
-    }
-
-    put_tag(f, 273, kTypeLong, 1); // StripOffsets
+    put_short_entry(f, 259, 1);                     // Compression: none
+    put_short_entry(f, 262, layout->photometric);   // PhotometricInterpretation
+    put_tag(f, 273, kTypeLong, 1);                  // StripOffsets
     const long strip_slot = position(f);
     if (strip_slot == -1)
         return fail_leaving_stream_open(f, ORV_ERROR_BAD_PARAM);
     OVC_fput_ui32m(f, 0);
-
-    if (is_grey(format)) {
-        put_short_entry(f, 277, 1); // SamplesPerPixel
-    } else if (format == ORV_FORMAT_BGR24) {
-        put_short_entry(f, 277, 3);
-    } else {
-        drop_format_failure(format, "SamplesPerPixel");
-        return fail_leaving_stream_open(f, ORV_ERROR_BAD_PARAM);
-    }
-    put_long_entry(f, 278, height); // RowsPerStrip
-
-    put_tag(f, 279, kTypeLong, 1); // StripByteCounts
-    if (format == ORV_FORMAT_Y8) {
-        OVC_fput_ui32m(f, width * height);
-    } else if (format == ORV_FORMAT_BGR24) {
-        OVC_fput_ui32m(f, width * height * 3);
-    } else {
-        // 16-bit grey writes its count and stops: the file ends inside its
-        // directory, ten of its thirteen entries written.
-        if (format == ORV_FORMAT_Y16) OVC_fput_ui32m(f, width * height);
+    put_short_entry(f, 277, layout->samples);       // SamplesPerPixel
+    put_long_entry(f, 278, height);                 // RowsPerStrip
+    put_long_entry(f, 279, width * height * layout->samples); // StripByteCounts
+    if (layout->stops_at == StopsAt::strip_byte_count) {
         drop_format_failure(format, "StripByteCount");
         return fail_leaving_stream_open(f, ORV_ERROR_BAD_PARAM);
     }
@@ -206,21 +195,16 @@ ORV_STATUS write_tiff(FILE *f, uint32_t format, const uint8_t *pixels,
         return fail_leaving_stream_open(f, ORV_ERROR_BAD_PARAM);
     OVC_fput_ui32m(f, 0);
 
-    if (is_colour(format)) { // only BGR24 gets here
+    if (layout->samples == 3)
         put_short_entry(f, 284, 1); // PlanarConfiguration: chunky
-        put_short_entry(f, 296, 1); // ResolutionUnit: none
-        OVC_fput_ui32m(f, 0);       // no next directory
+    put_short_entry(f, 296, 1);     // ResolutionUnit: none
+    OVC_fput_ui32m(f, 0);           // no next directory
+    if (layout->samples == 3) {
         const long bits_array = position(f);
         if (bits_array == -1)
             return fail_leaving_stream_open(f, ORV_ERROR_BAD_PARAM);
-        OVC_fput_ui16m(f, 8);
-        OVC_fput_ui16m(f, 8);
-        OVC_fput_ui16m(f, 8);
+        for (int i = 0; i < 3; ++i) OVC_fput_ui16m(f, layout->bits);
         patch(f, bits_slot, bits_array, bits_array + 6);
-    }
-    if (is_grey(format)) { // only Y8 gets here
-        put_short_entry(f, 296, 1);
-        OVC_fput_ui32m(f, 0);
     }
 
     if (!put_resolution(f, x_resolution_slot) ||
@@ -231,7 +215,6 @@ ORV_STATUS write_tiff(FILE *f, uint32_t format, const uint8_t *pixels,
     if (strip == -1) return fail_leaving_stream_open(f, ORV_ERROR_BAD_PARAM);
     patch(f, strip_slot, strip, strip);
 
-    // 16-bit grey never reaches the pixel data: StripByteCounts stopped it.
     put_pixels(f, pixels, width, height, stride);
     if (std::fclose(f) != 0) return ORV_ERROR_CLOSE_FAILED;
     return ORV_OK;

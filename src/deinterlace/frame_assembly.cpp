@@ -1,4 +1,5 @@
-// The common frame of the de-interlace methods and the dispatcher.
+// The frame the four de-interlace methods share: checks, queries, the
+// capacity test and the order of the frame lines.
 //
 // Checks and queries come in a fixed order. The frame's own validity is
 // fetched and never tested here (the dispatcher tests it), and the
@@ -7,7 +8,7 @@
 // it with a frame too small for the lines written. A field height of 0
 // and strides below the smallest line a shape handles are refused with
 // ORV_ERROR_BAD_PARAM before anything is written.
-#include "frame.h"
+#include "frame_assembly.h"
 
 #include <cstring>
 
@@ -110,19 +111,3 @@ ORV_STATUS field_to_frame_by_format(OFS_HANDLE field, OFS_HANDLE frame,
 
 } // namespace deinterlace
 } // namespace orv
-
-extern "C" ORV_API ORV_STATUS OVC_FieldToFrame(OFS_HANDLE field,
-                                               OFS_HANDLE frame,
-                                               uint32_t method,
-                                               uint32_t parity) {
-    using orv::buffer_is_valid;
-    if (!buffer_is_valid(field)) return ORV_ERROR_BAD_PARAM;
-    if (!buffer_is_valid(frame)) return ORV_ERROR_BAD_PARAM;
-    switch (method) {
-    case OVC_FIELD_LINEDUP: return OVC_FieldToFrame_LineDup(field, frame, parity);
-    case OVC_FIELD_LINEAVE: return OVC_FieldToFrame_LineAve(field, frame, parity);
-    case OVC_FIELD_BILINEAR: return OVC_FieldToFrame_Bilinear(field, frame, parity);
-    case OVC_FIELD_MEDIAN: return OVC_FieldToFrame_Median(field, frame, parity);
-    default: return ORV_ERROR_NOT_SUPPORTED;
-    }
-}

@@ -2,8 +2,8 @@
 // queries, the capacity test, and the order in which the 2H frame lines
 // are written at the field's stride. A method supplies only its filled
 // line: how the line between two field lines is made.
-#ifndef ORVANE_DEINTERLACE_FRAME_H
-#define ORVANE_DEINTERLACE_FRAME_H
+#ifndef ORVANE_DEINTERLACE_FRAME_ASSEMBLY_H
+#define ORVANE_DEINTERLACE_FRAME_ASSEMBLY_H
 
 #include <orvane/deinterlace.h>
 
@@ -45,4 +45,4 @@ ORV_STATUS field_to_frame_by_format(OFS_HANDLE field, OFS_HANDLE frame,
 } // namespace deinterlace
 } // namespace orv
 
-#endif // ORVANE_DEINTERLACE_FRAME_H
+#endif // ORVANE_DEINTERLACE_FRAME_ASSEMBLY_H
