@@ -13,6 +13,7 @@
 #include "support/field_lines.h"
 #include "support/guarded_bytes.h"
 #include "support/kernel_levels.h"
+#include "support/kernel_rows.h"
 #include "support/test_image.h"
 
 #include <gtest/gtest.h>
@@ -25,30 +26,7 @@ using orv::deinterlace::DeinterlaceKernels;
 using orv::deinterlace::LinePair;
 using Bytes = std::vector<uint8_t>;
 
-// The filled line writes `filled_line(...).length` bytes after the copy's
-// stride and reads as many from each field line; LineDup's filled line is
-// a second copy: it reads the line above only.
-using orv_test::Shape;
-
-struct Line {
-    const char *name;
-    LinePair DeinterlaceKernels::*entry;
-    Shape shape;
-    bool median = false, reads_line_below = true;
-};
-
-const Line lines[] = {
-    {"LineDup", &DeinterlaceKernels::line_twice, Shape::bytes, false, false},
-    {"LineAve", &DeinterlaceKernels::average, Shape::bytes},
-    {"Bilinear Y8", &DeinterlaceKernels::bilinear_grey, Shape::grey},
-    {"Bilinear 24-bit", &DeinterlaceKernels::bilinear_triple, Shape::triple},
-    {"Bilinear 32-bit", &DeinterlaceKernels::bilinear_quad, Shape::quad},
-    {"Bilinear YUV 4:2:2", &DeinterlaceKernels::bilinear_yuv, Shape::yuv},
-    {"Median Y8", &DeinterlaceKernels::median_grey, Shape::grey, true},
-    {"Median 24-bit", &DeinterlaceKernels::median_triple, Shape::triple, true},
-    {"Median 32-bit", &DeinterlaceKernels::median_quad, Shape::quad, true},
-    {"Median YUV 4:2:2", &DeinterlaceKernels::median_yuv, Shape::yuv, true},
-};
+using orv_test::FieldLine;
 
 std::vector<uint32_t> strides() {
     std::vector<uint32_t> s;
@@ -98,7 +76,7 @@ TEST(FilledLineTwins, WriteExactlyThePlainLinesBytes) {
     const auto twins = orv_test::twin_tables(by_level);
     if (twins.empty()) GTEST_SKIP() << "no SIMD level in use";
     uint32_t seed = 7;
-    for (const Line &line : lines)
+    for (const FieldLine &line : orv_test::field_line_entries())
         for (uint32_t stride : strides()) {
             const orv_test::Filled filled =
                 orv_test::filled_line(line.shape, line.median, stride);

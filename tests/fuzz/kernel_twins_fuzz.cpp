@@ -10,10 +10,8 @@
 // is one more entry in kFamilies.
 #include "fuzz_support.h"
 
-#include "convert/kernels.h"
-#include "deinterlace/kernels.h"
-#include "support/field_lines.h"
 #include "support/kernel_levels.h"
+#include "support/kernel_rows.h"
 
 #include <cstring>
 
@@ -22,7 +20,6 @@ namespace {
 using namespace orv_fuzz;
 using orv_test::Filled;
 using orv_test::filled_line;
-using orv_test::Shape;
 
 // Runs `run` on the plain table and on every twin level; all must agree.
 template <class Table, class Case>
@@ -46,106 +43,39 @@ Bytes on_exact_copies(const Bytes &src, const Bytes &dst, Call call) {
 
 // ---- Conversion rows ---------------------------------------------------------
 
-enum class RowKind { grey, y12p, colour, bgrx32, yuv422 };
-
 struct ConvertCase {
-    RowKind kind;
-    unsigned a, b; // the entry's indexes in its array
+    const orv_test::ConversionRow *row;
     uint32_t width;
     Bytes src, dst;
 };
 
-orv::RowFunction row_of(const orv::ConvertKernels &k, const ConvertCase &c) {
-    switch (c.kind) {
-    case RowKind::grey: return k.grey[c.a][c.b];
-    case RowKind::y12p: return k.y12p[c.b];
-    case RowKind::colour: return k.colour[c.a][c.b];
-    case RowKind::bgrx32: return k.bgrx32_to_bgr24;
-    default: return k.yuv422[c.b];
-    }
-}
-
 Bytes run_convert(const orv::ConvertKernels &k, const ConvertCase &c) {
     return on_exact_copies(c.src, c.dst, [&](const uint8_t *s, uint8_t *d) {
-        row_of(k, c)(s, d, c.width);
+        c.row->pick(k, c.row->a, c.row->b)(s, d, c.width);
     });
 }
 
-// Bytes a row reads and writes: per pixel, or per pair for Y12P and
-// YUV 4:2:2 (whose odd width converts a whole last pair); RGB30 into
-// RGB48 reads the word after the last pixel.
 void test_convert(FuzzInput &in) {
-    static const uint32_t grey_src[orv::kGreySources] = {1, 2, 2, 2, 2};
-    static const uint32_t grey_dst[orv::kGreyClasses] = {1, 2, 4, 2, 2,
-                                                         4, 6, 4, 3};
-    static const uint32_t colour_src[orv::kColourSources] = {3, 6, 6, 4};
-    static const uint32_t colour_dst[orv::kColourDestinations] = {
-        2, 2, 4, 4, 6, 2, 2, 4, 4, 6, 4, 4, 3, 3};
-    ConvertCase c{RowKind(in.below(5)), 0, 0, 0, {}, {}};
-    c.width = in.below(in.flag() ? 70 : 2100);
-    const size_t w = c.width, pairs = w / 2 + (w & 1u);
-    size_t src = 0, dst = 0;
-    switch (c.kind) {
-    case RowKind::grey:
-        c.a = in.below(orv::kGreySources), c.b = in.below(orv::kGreyClasses);
-        src = w * grey_src[c.a], dst = w * grey_dst[c.b];
-        break;
-    case RowKind::y12p:
-        c.b = in.below(orv::kGreyClasses);
-        src = pairs * 3, dst = pairs * 2 * grey_dst[c.b];
-        break;
-    case RowKind::colour:
-        c.a = in.below(orv::kColourSources);
-        c.b = in.below(orv::kColourDestinations);
-        src = w * colour_src[c.a], dst = w * colour_dst[c.b];
-        if (c.a == orv::kFromRgb30 &&
-            c.b + orv::kFirstColourDestination == 0x0E)
-            src += 4;
-        break;
-    case RowKind::bgrx32:
-        src = w * 4, dst = w * 3;
-        break;
-    case RowKind::yuv422:
-        c.b = in.below(orv::kYuvLayouts);
-        src = pairs * 4, dst = pairs * 2 * (c.b < orv::kYuvToBgr24 ? 4 : 3);
-        break;
-    }
+    static const std::vector<orv_test::ConversionRow> rows = orv_test::conversion_rows();
     static const orv::ConvertKernels *const by_level[orv::kSimdLevels] =
         ORV_TABLES_BY_LEVEL(convert_kernels);
-    if (row_of(*by_level[0], c) == nullptr) return; // a pair not converted
-    c.src = in.pixels(src);
-    c.dst = in.pixels(dst);
+    ConvertCase c{&rows[in.below(uint32_t(rows.size()))], 0, {}, {}};
+    if (c.row->pick(*by_level[0], c.row->a, c.row->b) == nullptr) return; // not converted
+    c.width = in.below(in.flag() ? 70 : 2100);
+    const orv_test::Extent e = c.row->extent(c.width, c.row->src_bytes, c.row->dst_bytes);
+    c.src = in.pixels(e.src);
+    c.dst = in.pixels(e.dst);
     compare_levels(by_level, c, run_convert);
 }
 
 // ---- De-interlace line pairs ---------------------------------------------------
 
 using orv::deinterlace::DeinterlaceKernels;
-using orv::deinterlace::LinePair;
 
 // Each entry writes a copy of the field line (stride bytes) and the filled
 // line after it; LineDup's filled line is a second copy.
-struct LineEntry {
-    LinePair DeinterlaceKernels::*entry;
-    Shape shape;
-    bool median;
-};
-
-const LineEntry kLines[] = {
-    {&DeinterlaceKernels::line_twice, Shape::bytes, false},
-    {&DeinterlaceKernels::average, Shape::bytes, false},
-    {&DeinterlaceKernels::bilinear_grey, Shape::grey, false},
-    {&DeinterlaceKernels::bilinear_triple, Shape::triple, false},
-    {&DeinterlaceKernels::bilinear_quad, Shape::quad, false},
-    {&DeinterlaceKernels::bilinear_yuv, Shape::yuv, false},
-    {&DeinterlaceKernels::median_grey, Shape::grey, true},
-    {&DeinterlaceKernels::median_triple, Shape::triple, true},
-    {&DeinterlaceKernels::median_quad, Shape::quad, true},
-    {&DeinterlaceKernels::median_yuv, Shape::yuv, true},
-};
-
 struct LineCase {
-    const LineEntry *line;
+    const orv_test::FieldLine *line;
     uint32_t stride;
     Bytes field, out; // the two field lines, S bytes apart; copy and filled line
 };
@@ -164,7 +94,8 @@ Bytes run_line(const DeinterlaceKernels &k, const LineCase &c) {
 }
 
 void test_deinterlace(FuzzInput &in) {
-    LineCase c{&in.pick(kLines), 0, {}, {}};
+    const auto &entries = orv_test::field_line_entries();
+    LineCase c{&entries[in.below(uint32_t(entries.size()))], 0, {}, {}};
     const uint32_t least =
         filled_line(c.line->shape, c.line->median, 0).least_stride;
     c.stride = least + in.below(in.flag() ? 80 : 2100);
