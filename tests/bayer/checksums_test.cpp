@@ -6,7 +6,8 @@
 // (the lone last column; padding left alone), a one-line 4 x 1 image
 // (line 1 read, a second line written by ave and med) and a 70 x 4 one
 // long enough for whole vector steps. The destination starts as 0xEE, so
-// X bytes, padding and the line after the image count too.
+// X bytes, padding and the line after the image count too. And the
+// refusals, which write nothing.
 #include "bayer/member_table.h"
 #include "support/test_image.h"
 
@@ -146,6 +147,32 @@ TEST(DemosaicChecksums, EveryRoutineWritesWhatWasRecorded) {
             EXPECT_EQ(checksum(m, kMosaics[g], uint32_t(g + 1)), kRecorded[i].crc[g])
                 << m.name << " on mosaic " << g;
     }
+}
+
+// Refusals write nothing: an invalid source or destination, and depth 8
+// for the n-bit routines.
+TEST(DemosaicRoutines, RefusalsWriteNothing) {
+    struct Refusal {
+        const char *what;
+        bool n_bit_only;
+        uint32_t depth;
+        void (*spoil)(TestImage &src, TestImage &dst);
+    };
+    const Refusal refusals[] = {
+        {"source invalid", false, 12, [](TestImage &s, TestImage &) { s.set_pointer(OFS_BUFFER_VALID, 0); }},
+        {"destination invalid", false, 12, [](TestImage &, TestImage &d) { d.set_pointer(OFS_BUFFER_VALID, 0); }},
+        {"depth 8", true, 8, [](TestImage &, TestImage &) {}},
+    };
+    for (const DemosaicMember &m : kDemosaicMembers)
+        for (const Refusal &r : refusals) {
+            if (r.n_bit_only && !m.n_bit) continue;
+            TestImage source(ORV_FORMAT_BAY16, 4, 4, 8, 32, 0x40);
+            TestImage destination(ORV_FORMAT_BGRX32, 4, 4, 16, 64, 0xEE);
+            r.spoil(source, destination);
+            EXPECT_EQ(m.call(source.handle(), destination.handle(), r.depth), ORV_ERROR_BAD_PARAM)
+                << m.name << ": " << r.what;
+            EXPECT_EQ(destination.bytes(), std::vector<uint8_t>(64, 0xEE)) << m.name << ": " << r.what;
+        }
 }
 
 } // namespace
