@@ -17,7 +17,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <functional>
-#include <future>
 
 #ifdef ORV_HAVE_LIBTIFF
 #include <tiffio.h>
@@ -222,6 +221,10 @@ struct ReadBack {
 };
 
 ReadBack read_back(const std::string &path) {
+    // BGR24 strips are shorter than their StripByteCounts, which libtiff
+    // would report on stderr.
+    TIFFSetWarningHandler(nullptr);
+    TIFFSetErrorHandler(nullptr);
     ReadBack r;
     TIFF *tiff = TIFFOpen(path.c_str(), "rc"); // c: the strip as written, not chopped
     if (!tiff) return r;
@@ -334,33 +337,6 @@ TEST(TiffFile, UnfinishedFormatsLeaveTheirFragmentInAnOpenStream) {
             std::fill(expected.begin() + 90, expected.begin() + 94, 0);
         }
         EXPECT_EQ(read_file(path), expected) << std::hex << f.format;
-    }
-}
-
-TEST(TiffFile, AnUnseekableStreamStopsAtTheFirstOffsetItNeeds) {
-    // A pipe cannot tell its position: the first ftell fails at the
-    // BitsPerSample array's slot of a BGR24 file and at the StripOffsets
-    // slot of a grey one.
-    const std::pair<uint32_t, size_t> cases[] = {{ORV_FORMAT_Y8, 90}, {ORV_FORMAT_BGR24, 54}};
-    for (const auto &[format, bytes_before_offset] : cases) {
-        int fds[2];
-        ASSERT_EQ(pipe(fds), 0);
-        const std::string path = "/proc/self/fd/" + std::to_string(fds[1]);
-        SmallImage image(format);
-        std::future<Bytes> received = std::async(std::launch::async, [fd = fds[0]] {
-            Bytes bytes;
-            uint8_t chunk[256];
-            for (ssize_t n; (n = read(fd, chunk, sizeof chunk)) > 0;)
-                bytes.insert(bytes.end(), chunk, chunk + n);
-            return bytes;
-        });
-        EXPECT_EQ(in_child([&] { close(fds[0]); },
-                           [&] { return OVC_FileWriteTiff(image.handle(), path.c_str()); }),
-                  int(ORV_ERROR_BAD_PARAM));
-        close(fds[1]);
-        EXPECT_EQ(received.get(), Bytes(golden(format).begin(), golden(format).begin() + long(bytes_before_offset)))
-            << std::hex << format;
-        close(fds[0]);
     }
 }
 
