@@ -266,10 +266,15 @@ uint32_t checked_u32(py::ssize_t value, const char *what) {
     return static_cast<uint32_t>(value);
 }
 
+// A line must fit the library's 32-bit stride, with a pixel to spare for
+// the odd widths that write one more.
 Image sized(const Format &format, uint32_t width, uint32_t height) {
     const size_t bytes = format.code == ORV_FORMAT_Y12P
                              ? (3 * size_t{width} + 1) / 2
                              : width * format.pixel_bytes();
+    if (bytes + format.pixel_bytes() > UINT32_MAX)
+        throw py::value_error("a line of " + std::to_string(width) +
+                              " pixels is too long for the library");
     return {&format, width, height, bytes};
 }
 
@@ -552,9 +557,8 @@ py::array convert_image(const py::array &image, const Image &src,
     if (out) {
         const std::vector<py::ssize_t> shape = shape_of(dst);
         if (!has_samples(*out, to.sample_bytes) ||
-            !std::equal(shape.begin(), shape.end(), out->shape(),
-                        out->shape() + out->ndim()) ||
-            shape.size() != static_cast<size_t>(out->ndim()))
+            shape.size() != static_cast<size_t>(out->ndim()) ||
+            !std::equal(shape.begin(), shape.end(), out->shape()))
             throw py::value_error(
                 "out: " + std::string(to.name) + " results of " +
                 std::to_string(src.width) + " x " + std::to_string(src.height) +
