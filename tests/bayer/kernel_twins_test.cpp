@@ -2,21 +2,21 @@
 // the same walk with none, byte for byte: widths 2 to 67 and a few long
 // ones, heights 1, 2, 3, 5 and 8, depths 7 to 16 with samples above the
 // depth, tight and padded strides. The source ends flush against an
-// inaccessible page at the last sample the plain walk reads (line 1 of a
-// one-line image, the sample after an odd-width line of ave and med, two
-// for RGB16 med_C and one for its even widths), the destination at the last byte it writes, so a run
-// that touches one byte more faults; the destination starts as a
-// pattern, so the bytes the walk leaves (X bytes, padding) must stay.
+// inaccessible page at the last sample the plain walk reads (the reads
+// past the image that the header gives), the destination at the last
+// byte it writes, so a run that touches one byte more faults; the
+// destination starts as a pattern, so the bytes the walk leaves (X bytes,
+// padding) must stay.
 #include "bayer/ave.h"
 #include "bayer/dup.h"
 #include "bayer/med.h"
+#include "support/demosaic_extent.h"
 #include "support/guarded_bytes.h"
 #include "support/kernel_levels.h"
 #include "support/test_image.h"
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <string>
 
 namespace {
@@ -29,10 +29,15 @@ struct Member {
     std::string name;
     Walk walk;
     uint32_t sample_bytes, pixel_bytes;
-    bool neighbourhood;   // ave or med: two lines at least, reads past odd lines
-    bool reads_two_past;  // RGB16 med_C: its shifted line below (odd widths),
-                          // line 0's last green (even widths)
+    orv_test::DemosaicMethod method;
+    bool rgb16_phase_c; // its shifted line below, line 0's last green
 };
+
+orv_test::DemosaicMethod method_named(const std::string &name) {
+    return name == "dup"   ? orv_test::DemosaicMethod::dup
+           : name == "ave" ? orv_test::DemosaicMethod::ave
+                           : orv_test::DemosaicMethod::med;
+}
 
 #define ORV_TEST_MEMBER(SRC, OUT, METHOD, PHASE)                             \
     Member{"OVC_" #SRC "_to_" #OUT "_" #METHOD "_" #PHASE,                   \
@@ -40,8 +45,8 @@ struct Member {
                                                  member_words::OUT,           \
                                                  member_words::PHASE>,        \
            member_words::SRC::size, member_words::OUT::bytes,                \
-           std::string(#METHOD) != "dup",                                     \
-           std::string(#METHOD #OUT #PHASE) == "medRGB16C"},
+           method_named(#METHOD),                                             \
+           std::string(#OUT #PHASE) == "RGB16C"},
 
 const std::vector<Member> members = {ORV_BAYER_MEMBERS(ORV_TEST_MEMBER)};
 
@@ -71,25 +76,17 @@ std::vector<Shape> shapes() {
 constexpr size_t kRoom = size_t(1921 + 8) * 4 * 9;
 
 // The bytes a walk of `m` over `s` reads from the source and writes.
-size_t source_extent(const Member &m, const Shape &s) {
-    const size_t stride = size_t(s.width) * m.sample_bytes + s.src_padding;
-    const bool odd = (s.width & 1) != 0;
-    const uint32_t past = m.reads_two_past ? (odd ? 2 : 1)
-                          : m.neighbourhood && odd ? 1
-                                                   : 0;
-    return stride * (std::max(s.height, 2u) - 1) +
-           size_t(s.width + past) * m.sample_bytes;
-}
-size_t destination_extent(const Member &m, const Shape &s) {
-    const size_t stride = size_t(s.width) * m.pixel_bytes + s.dst_padding;
-    const uint32_t lines = m.neighbourhood ? std::max(s.height, 2u) : s.height;
-    return stride * (lines - 1) + size_t(s.width) * m.pixel_bytes;
+orv_test::DemosaicExtent extent(const Member &m, const Shape &s) {
+    return orv_test::demosaic_extent(
+        m.method, m.rgb16_phase_c, s.width, s.height, m.sample_bytes,
+        s.width * m.sample_bytes + s.src_padding, m.pixel_bytes,
+        s.width * m.pixel_bytes + s.dst_padding);
 }
 
 Bytes walk(const Member &m, const Shape &s, const Bytes &source,
            const BayerKernels &kernels) {
     static orv_test::GuardedBytes in(kRoom), out(kRoom);
-    const size_t written = destination_extent(m, s);
+    const size_t written = extent(m, s).destination;
     Image image;
     image.src = in.place(source);
     image.dst = out.place(Bytes(written, 0xA5));
@@ -121,7 +118,7 @@ TEST(DemosaicRunTwins, WriteExactlyThePlainWalksBytes) {
     for (const Member &m : members)
         for (const Shape &s : shapes()) {
             const Bytes source =
-                orv_test::random_bytes(source_extent(m, s), ++seed);
+                orv_test::random_bytes(extent(m, s).source, ++seed);
             const Bytes expected = walk(m, s, source, *by_level[0]);
             for (const auto &twin : twins)
                 ASSERT_EQ(walk(m, s, source, *twin.table), expected)

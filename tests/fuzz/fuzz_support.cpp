@@ -79,24 +79,6 @@ bool ExactBytes::intact() const {
     return intact;
 }
 
-DemosaicExtent demosaic_extent(DemosaicMethod method, bool rgb16_phase_c,
-                               uint32_t width, uint32_t height,
-                               uint32_t sample_bytes, uint32_t source_stride,
-                               uint32_t pixel_bytes,
-                               uint32_t destination_stride) {
-    const bool dup = method == DemosaicMethod::dup;
-    const uint32_t read = height > 2 ? height : 2;
-    const uint32_t written = height > 1 ? height : dup ? 1 : 2;
-    const bool odd = width & 1u;
-    uint32_t past = !dup && odd ? 1 : 0;
-    if (method == DemosaicMethod::med && rgb16_phase_c)
-        past = odd ? (read > 2 ? 2 : 1) : (read == 2 ? 1 : 0);
-    return {lines_extent(read, source_stride,
-                         size_t(width + past) * sample_bytes),
-            lines_extent(written, destination_stride,
-                         size_t(width) * pixel_bytes)};
-}
-
 Image::Image(const Bytes &content, uint32_t format, uint32_t width,
              uint32_t height, uint32_t stride)
     : memory_(content),

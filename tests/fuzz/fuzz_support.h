@@ -4,6 +4,8 @@
 #ifndef ORVANE_FUZZ_SUPPORT_H
 #define ORVANE_FUZZ_SUPPORT_H
 
+#include "support/demosaic_extent.h"
+
 #include <orvaneimage.h>
 
 #include <cstddef>
@@ -16,6 +18,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size);
 namespace orv_fuzz {
 
 using Bytes = std::vector<uint8_t>;
+using orv_test::DemosaicExtent;
+using orv_test::DemosaicMethod;
+using orv_test::demosaic_extent;
+using orv_test::lines_extent;
+using orv_test::method_of;
 
 // A finding: prints what was expected and aborts, so that libFuzzer (or
 // the replay driver's caller) keeps the input.
@@ -100,35 +107,6 @@ inline void check_call(ORV_STATUS status, ORV_STATUS expected,
         check(dst.memory().bytes() == dst_bytes, "refusal leaves destination");
     check(src.memory().intact() && dst.memory().intact(),
           "nothing written outside either buffer");
-}
-
-// What a demosaic routine touches, for a source of W x H samples of
-// `sample_bytes` each and a destination of `pixel_bytes` a pixel, both
-// buffers' strides at least a line long (and even for 16-bit samples):
-// line 0 reads line 1, so at least two source lines are read; dup writes
-// at least one line, ave and med at least two; with an odd width ave and
-// med read the sample after each line, and the RGB16 med_C routines read
-// one more sample of the line below (two past it with an odd width once
-// there are inner lines, one with an even width when line 1 is the last).
-struct DemosaicExtent {
-    size_t source, destination;
-};
-enum class DemosaicMethod { dup, ave, med };
-inline DemosaicMethod method_of(uint32_t method) {
-    return method == ORV_BAYER_METHOD_DUP   ? DemosaicMethod::dup
-           : method == ORV_BAYER_METHOD_AVE ? DemosaicMethod::ave
-                                            : DemosaicMethod::med;
-}
-DemosaicExtent demosaic_extent(DemosaicMethod method, bool rgb16_phase_c,
-                               uint32_t width, uint32_t height,
-                               uint32_t sample_bytes, uint32_t source_stride,
-                               uint32_t pixel_bytes,
-                               uint32_t destination_stride);
-
-// The extent of `lines` lines `pitch` bytes apart, the last one
-// `last_line` bytes long; 0 for no line.
-inline size_t lines_extent(uint32_t lines, size_t pitch, size_t last_line) {
-    return lines == 0 ? 0 : (lines - 1) * pitch + last_line;
 }
 
 } // namespace orv_fuzz

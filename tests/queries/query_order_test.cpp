@@ -1,24 +1,66 @@
 // What every entry point asks the buffer library, in order, and where each
 // refusal stops asking: OVC_Convert, the 81 demosaic routines,
-// OVC_FieldToFrame and its method routines, and the file writers. Runs
-// against the recording buffer library; only the values a query writes
-// count, never the status it returns.
+// OVC_FieldToFrame and its method routines, and the file writers. The
+// program is its own buffer library: every query is logged, and each fake
+// buffer answers from its own table, may stay silent for chosen ids, and
+// returns a chosen status; only the values a query writes count, never
+// the status it returns.
 #include "bayer/member_table.h"
 #include "fileio/scratch.h"
-#include "support/trace_buffer.h"
 
 #include <orvaneimage.h>
 
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <functional>
+#include <map>
 #include <sstream>
 
 namespace {
 
 using orv::bayer::DemosaicMember;
-using orv_test::FakeBuffer;
 using Log = std::vector<std::string>;
+
+Log query_log; // "name:id", in call order
+
+struct FakeBuffer {
+    std::string name;
+    std::map<uint32_t, uint64_t> values; // id -> value; missing ids stay silent
+    ORV_STATUS status = ORV_OK;          // what every query returns
+
+    OFS_HANDLE handle() const { return reinterpret_cast<OFS_HANDLE>(this); }
+};
+
+} // namespace
+
+extern "C" ORV_API ORV_STATUS OFS_BufferParameterGet(OFS_HANDLE buffer, uint32_t id,
+                                                     void *value) {
+    const auto *fake = reinterpret_cast<const FakeBuffer *>(buffer);
+    query_log.push_back(fake->name + ":" + std::to_string(id));
+    const auto it = fake->values.find(id);
+    if (it != fake->values.end()) {
+        // The address and the validity are pointer-sized, the rest 32-bit.
+        const uintptr_t wide = uintptr_t(it->second);
+        const uint32_t narrow = uint32_t(it->second);
+        if (id == OFS_START_ADDR || id == OFS_BUFFER_VALID)
+            std::memcpy(value, &wide, sizeof wide);
+        else
+            std::memcpy(value, &narrow, sizeof narrow);
+    }
+    return fake->status;
+}
+
+namespace {
+
+// A valid buffer answering every id of the image routines.
+FakeBuffer fake_image(const char *name, void *address, uint32_t format, uint32_t width,
+                      uint32_t height, uint32_t stride) {
+    return {name,
+            {{OFS_BUFFER_VALID, 1}, {OFS_START_ADDR, reinterpret_cast<uintptr_t>(address)},
+             {OFS_FORMAT, format}, {OFS_WIDTH, width}, {OFS_HEIGHT, height},
+             {OFS_STRIDE, stride}, {OFS_BAYER_METHOD, 0}, {OFS_BAYER_PHASE, 0}}};
+}
 
 enum class Entry { convert, demosaic, field_to_frame, file_writer };
 
@@ -161,13 +203,13 @@ TEST(QueryOrder, EveryEntryAsksInOrderAndStopsAtTheFirstRefusal) {
             uint8_t memory[2][64] = {};
             FakeBuffer buffers[2];
             for (int i = 0; i < 2; ++i)
-                buffers[i] = orv_test::fake_image(scene.names[i], memory[i], scene.format[i],
+                buffers[i] = fake_image(scene.names[i], memory[i], scene.format[i],
                                                   scene.width[i], scene.height[i], scene.stride[i]);
             row.spoil(buffers[0], buffers[1]);
-            orv_test::clear_query_log();
+            query_log.clear();
             EXPECT_EQ(row.call(buffers[0].handle(), buffers[1].handle(), m), row.status)
                 << row.what << (every_member ? m.name : "");
-            EXPECT_EQ(orv_test::query_log(), row.expected) << row.what << (every_member ? m.name : "");
+            EXPECT_EQ(query_log, row.expected) << row.what << (every_member ? m.name : "");
             if (!every_member) break;
         }
     }
