@@ -1,19 +1,17 @@
 // File output: the byte-order writers, raw dumps with their fault paths,
 // and TIFF files: two golden files byte for byte, larger ones read back
-// by libtiff, the fragments that the writer leaves open (read back after
-// the writing process has exited) and files cut short by a full device or
-// a file-size limit.
+// by libtiff, and the fragments that the writer leaves open (read back
+// after the writing process has exited). Files cut short by a device are
+// in fault_test.cpp.
 #include "fileio/scratch.h"
 #include "support/test_image.h"
 
 #include <gtest/gtest.h>
 
-#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <functional>
@@ -359,54 +357,6 @@ TEST(TiffFile, Refusals) {
         const std::string path = r.path ? r.path : scratch_path("refused.tif");
         EXPECT_EQ(OVC_FileWriteTiff(image.handle(), path.c_str()), r.status) << r.what;
         EXPECT_FALSE(file_exists(path)) << r.what;
-    }
-}
-
-// A file the device stops taking part-way: /dev/full takes nothing, a
-// file-size limit (set in the child, SIGXFSZ ignored) takes the first
-// `limit` bytes, the start of the whole file. Pixel bytes go out as putc
-// puts them: a byte that finds the stream's buffer (4096 bytes here) full
-// flushes it, or is dropped with it when the device refuses; the close
-// reports the bytes left in the buffer that it cannot write.
-constexpr long kFullDevice = -1;
-
-TEST(TiffFile, FilesCutShortByTheDeviceKeepTheirPrefixAndStatus) {
-    struct DeviceStop {
-        const char *what;
-        uint32_t format, width, height, stride;
-        long limit; // kFullDevice, or the bytes the file may hold
-        ORV_STATUS status;
-    };
-    const DeviceStop stops[] = {
-        {"Y8, all in the buffer", ORV_FORMAT_Y8, 4, 2, 4, kFullDevice, ORV_ERROR_CLOSE_FAILED},
-        {"BGR24, all in the buffer", ORV_FORMAT_BGR24, 5, 3, 15, kFullDevice, ORV_ERROR_CLOSE_FAILED},
-        {"Y8 1920 x 1080", ORV_FORMAT_Y8, 1920, 1080, 1920, kFullDevice, ORV_ERROR_CLOSE_FAILED},
-        {"BGR24 1920 x 540", ORV_FORMAT_BGR24, 1920, 540, 5760, kFullDevice, ORV_ERROR_CLOSE_FAILED},
-        {"Y8, a line of four buffers", ORV_FORMAT_Y8, 16384, 2, 16384, kFullDevice, ORV_ERROR_CLOSE_FAILED},
-        {"Y8, the last byte dropped with the buffer", ORV_FORMAT_Y8, 4097, 1, 4097, kFullDevice, ORV_OK},
-        {"Y8 stopped in the pixels", ORV_FORMAT_Y8, 1920, 1080, 1920, 100000, ORV_ERROR_CLOSE_FAILED},
-        {"BGR24 stopped in the pixels", ORV_FORMAT_BGR24, 640, 480, 1920, 100000, ORV_ERROR_CLOSE_FAILED},
-    };
-    for (const auto &s : stops) {
-        TestImage image(s.format, s.width, s.height, s.stride);
-        const Bytes pixels = orv_test::random_bytes(image.size(), s.width);
-        std::copy(pixels.begin(), pixels.end(), image.data());
-        const std::string whole = scratch_path("whole.tif");
-        ASSERT_EQ(OVC_FileWriteTiff(image.handle(), whole.c_str()), ORV_OK);
-        const std::string path = s.limit == kFullDevice ? "/dev/full" : scratch_path("cut.tif");
-        const auto set_limit = [&] {
-            if (s.limit == kFullDevice) return;
-            std::signal(SIGXFSZ, SIG_IGN);
-            const rlimit limit{rlim_t(s.limit), rlim_t(s.limit)};
-            setrlimit(RLIMIT_FSIZE, &limit);
-        };
-        EXPECT_EQ(in_child(set_limit, [&] { return OVC_FileWriteTiff(image.handle(), path.c_str()); }),
-                  int(s.status))
-            << s.what;
-        if (s.limit == kFullDevice) continue;
-        Bytes expected = read_file(whole);
-        expected.resize(size_t(s.limit));
-        EXPECT_EQ(read_file(path), expected) << s.what;
     }
 }
 
