@@ -189,7 +189,7 @@ struct SmallImage : TestImage {
     explicit SmallImage(uint32_t format, uint32_t stride = 16)
         : TestImage(format, 5, 3, stride, 3 * stride, 0xEE) {
         for (uint32_t y = 0; y < 3; ++y)
-            for (uint32_t x = 0; x < 15; ++x) (*this)[y * stride + x] = uint8_t(16 * y + x);
+            for (uint32_t x = 0; x < std::min(stride, 15u); ++x) (*this)[y * stride + x] = uint8_t(16 * y + x);
     }
 };
 
