@@ -9,6 +9,7 @@
 // X bytes, padding and the line after the image count too. And the
 // refusals, which write nothing.
 #include "bayer/member_table.h"
+#include "support/demosaic_extent.h"
 #include "support/test_image.h"
 
 #include <gtest/gtest.h>
@@ -29,15 +30,11 @@ constexpr Mosaic kMosaics[] = {
     {7, 5, 12, 0, 0}, {10, 6, 10, 6, 5}, {4, 1, 16, 0, 0}, {70, 4, 14, 2, 3}};
 constexpr size_t kCount = sizeof kMosaics / sizeof kMosaics[0];
 
-uint32_t bytes_per_pixel(uint32_t output) {
-    return output == 0x11 ? 3 : (output == 0x08 || output == 0x0D) ? 4 : 2;
-}
-
 uint32_t checksum(const DemosaicMember &m, const Mosaic &g, uint32_t seed) {
     const uint32_t size = m.n_bit ? 2 : 1;
     const uint32_t lines = std::max(g.height, 2u);
     const uint32_t src_stride = g.width * size + g.src_padding;
-    const uint32_t dst_stride = g.width * bytes_per_pixel(m.output) + g.dst_padding;
+    const uint32_t dst_stride = g.width * orv_test::demosaic_pixel_bytes(m.output) + g.dst_padding;
     // Room for two samples past the last line read.
     TestImage source(m.n_bit ? ORV_FORMAT_BAY16 : ORV_FORMAT_BAY8, g.width, g.height,
                      src_stride, size_t(src_stride) * lines + 4);

@@ -3,6 +3,7 @@
 // output equals a direct call's), the depth passed for each n-bit format,
 // and the capacity test that runs before anything else is looked at.
 #include "bayer/member_table.h"
+#include "support/demosaic_extent.h"
 #include "support/test_image.h"
 
 #include <gtest/gtest.h>
@@ -35,9 +36,6 @@ bool offered(uint32_t dst, uint32_t method, uint32_t phase) {
 uint32_t depth_of(uint32_t src) {
     return src == 0x18 ? 12 : src == 0x19 ? 14 : src == 0x1A ? 16 : 10;
 }
-uint32_t bytes_per_pixel(uint32_t dst) {
-    return dst == 0x11 ? 3 : (dst == 0x08 || dst == 0x0D) ? 4 : 2;
-}
 
 TEST(BayerRouting, EachKeyMethodAndPhaseReachesItsRoutine) {
     const uint32_t methods[] = {ORV_BAYER_METHOD_DUP, ORV_BAYER_METHOD_AVE,
@@ -51,7 +49,7 @@ TEST(BayerRouting, EachKeyMethodAndPhaseReachesItsRoutine) {
         const auto samples = orv_test::random_bytes(w * h * size, src);
         for (uint32_t dst : {0x06u, 0x08u, 0x0Bu, 0x0Du, 0x11u}) {
             if (src != 0x16 && dst == 0x0B) continue; // BGR16 from bytes only
-            const uint32_t bpp = bytes_per_pixel(dst);
+            const uint32_t bpp = orv_test::demosaic_pixel_bytes(dst);
             for (uint32_t method : methods) {
                 for (uint32_t phase : phases) {
                     SCOPED_TRACE(testing::Message()

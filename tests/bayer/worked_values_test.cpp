@@ -8,6 +8,7 @@
 // sites, two-sample means and copies elsewhere, and the departures of the
 // phase-B and phase-C routines. Short images of both write two lines.
 #include "bayer/member_table.h"
+#include "support/demosaic_extent.h"
 #include "support/test_image.h"
 
 #include <gtest/gtest.h>
@@ -29,10 +30,6 @@ const DemosaicMember &member(const std::string &name) {
     return orv::bayer::kDemosaicMembers[0];
 }
 
-uint32_t bytes_per_pixel(const DemosaicMember &m) {
-    return m.output == 0x11 ? 3 : (m.output == 0x08 || m.output == 0x0D) ? 4 : 2;
-}
-
 // Runs `m` on a W x H mosaic given line after line at a tight stride
 // (`samples` may run past the image, for the routines' reads beyond it)
 // and returns every destination line it writes, tight, preset to 0xEE:
@@ -41,7 +38,7 @@ std::vector<uint8_t> render(const DemosaicMember &m, uint32_t width,
                                    uint32_t height,
                                    const std::vector<uint32_t> &samples,
                                    uint32_t depth = 8) {
-    const uint32_t size = m.n_bit ? 2 : 1, bpp = bytes_per_pixel(m);
+    const uint32_t size = m.n_bit ? 2 : 1, bpp = orv_test::demosaic_pixel_bytes(m.output);
     const uint32_t lines =
         std::max(height, m.method == ORV_BAYER_METHOD_DUP ? 1u : 2u);
     const size_t count = std::max<size_t>(samples.size(), size_t(width) * (lines + 1) + 2);
@@ -63,7 +60,7 @@ struct Rendered {
 };
 Rendered pixel(const std::vector<uint8_t> &d, const DemosaicMember &m,
                       uint32_t width, uint32_t y, uint32_t x) {
-    const uint8_t *p = d.data() + (size_t(y) * width + x) * bytes_per_pixel(m);
+    const uint8_t *p = d.data() + (size_t(y) * width + x) * orv_test::demosaic_pixel_bytes(m.output);
     switch (m.output) {
     case 0x08: case 0x11: return {p[0], p[1], p[2], 0};
     case 0x0D: return {p[2], p[1], p[0], 0};

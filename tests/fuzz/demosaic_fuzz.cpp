@@ -11,14 +11,6 @@ namespace {
 
 using namespace orv_fuzz;
 
-uint32_t pixel_bytes(uint32_t output) {
-    switch (output) {
-    case ORV_FORMAT_BGR24 & 0xFFu: return 3;
-    case ORV_FORMAT_BGRX32 & 0xFFu: case ORV_FORMAT_RGBX32 & 0xFFu: return 4;
-    default: return 2; // RGB16, BGR16
-    }
-}
-
 const uint32_t kDepths[] = {10, 12, 14, 16, 10, 12, 8, 0, 9, 20, 40};
 
 } // namespace
@@ -28,7 +20,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     const orv::bayer::DemosaicMember &member = in.pick(orv::bayer::kDemosaicMembers);
     const uint32_t depth = in.pick(kDepths);
     const uint32_t sample = member.n_bit ? 2 : 1;
-    const uint32_t out = pixel_bytes(member.output);
+    const uint32_t out = orv_test::demosaic_pixel_bytes(member.output);
     const uint32_t width = in.in(2, in.flag() ? 9 : 130);
     const uint32_t height = in.below(in.flag() ? 5 : 24);
     const uint32_t src_stride = width * sample + sample * in.below(4);

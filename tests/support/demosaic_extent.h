@@ -17,6 +17,16 @@ inline size_t lines_extent(uint32_t lines, size_t pitch, size_t last_line) {
     return lines == 0 ? 0 : (lines - 1) * pitch + last_line;
 }
 
+// Bytes of an output pixel of a demosaic routine, by the low byte of the
+// destination format: BGR24 3, BGRX32 and RGBX32 4, RGB16 and BGR16 2.
+inline uint32_t demosaic_pixel_bytes(uint32_t output) {
+    switch (output) {
+    case ORV_FORMAT_BGR24 & 0xFFu: return 3;
+    case ORV_FORMAT_BGRX32 & 0xFFu: case ORV_FORMAT_RGBX32 & 0xFFu: return 4;
+    default: return 2;
+    }
+}
+
 // What a demosaic routine touches, for a source of W x H samples of
 // `sample_bytes` each and a destination of `pixel_bytes` a pixel, both
 // buffers' strides at least a line long (and even for 16-bit samples):

@@ -32,7 +32,7 @@ inline Extent per_pair(uint32_t w, uint32_t sb, uint32_t db) {
     const size_t pairs = w / 2 + (w & 1u);
     return {pairs * sb, pairs * 2 * db};
 }
-// RGB30 into RGB48 reads the word after each pixel.
+// RGB30 into RGB48 reads the word after the last pixel.
 inline Extent one_word_past(uint32_t w, uint32_t sb, uint32_t db) {
     return {size_t(w) * sb + 4, size_t(w) * db};
 }
