@@ -1,11 +1,10 @@
-// OVC_Convert over every accepted format pair (and the refused ones): the
-// input chooses both formats, the geometry, the Bayer method and phase and
-// the pixels. Both buffers are allocated at exactly the extent that the
-// header gives for the pair, so any other access is a finding; the status
-// must be the one the pair tables and the capacity test give, a refusal
-// must leave the destination as it was, and the source is never written.
+// OVC_Convert over every format pair, accepted or refused: the input
+// chooses both formats, the geometry, the Bayer method and phase and the
+// pixels. Both buffers are exactly as long as the header's extent for the
+// pair; the status is the one of the pair tables and the capacity test.
 #include "bayer/member_table.h"
 #include "fuzz_support.h"
+#include "support/kernel_rows.h"
 
 #include <algorithm>
 #include <cstring>
@@ -92,20 +91,14 @@ uint32_t stride_for(FuzzInput &in, uint32_t line_bytes, uint32_t word,
 
 constexpr size_t kUnbounded = SIZE_MAX;
 
-struct Extent {
-    size_t src, dst;
-};
-
 // What the accepted conversion touches, as the header states it, or
-// kUnbounded where a row step wraps.
+// kUnbounded where a row step wraps. A grey copy moves whole strides.
 Extent accepted_extent(uint32_t src, uint32_t dst, uint32_t bytes_in,
-                       uint32_t bytes_out, const Geometry &g,
+                       uint32_t bytes_out, const Geometry &g, bool copy,
                        uint32_t method, uint32_t phase) {
     const uint32_t w = g.width, h = g.height;
     const size_t pairs = w / 2 + (w & 1u);
-    if ((src == 0x01 || src == 0x02) && src == dst &&
-        g.src_stride == g.dst_stride && h == g.dst_height)
-        return {size_t(h) * g.src_stride, size_t(h) * g.src_stride};
+    if (copy) return {size_t(h) * g.src_stride, size_t(h) * g.src_stride};
     // Beyond one line, a stride below its line wraps the row step.
     const bool lines = h > 1 || is_bayer(src);
     const uint32_t src_line = src == 0x1B ? 3 * w >> 1 : w * bytes_in;
@@ -175,23 +168,20 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     g.dst_height = std::max<int>(0, int(g.height) + int(in.below(4)) - 2);
     if (in.below(4) == 0) g.dst_height = g.height, g.dst_stride = g.src_stride;
 
-    // The status the pair tables and the capacity test give.
-    ORV_STATUS expected = ORV_OK;
-    if (src_format == 0 || dst_format == 0) {
-        expected = ORV_ERROR_BAD_PARAM;
-    } else if (!accepts(source, dst_low)) {
-        expected = ORV_ERROR_NOT_SUPPORTED;
-    } else if (!((src_low == 0x01 || src_low == 0x02) && src_low == dst_low &&
-                 g.src_stride == g.dst_stride && g.height == g.dst_height) &&
-               uint64_t(g.width) * g.height * out.bytes >
-                   uint64_t(g.dst_stride) * g.dst_height) {
-        expected = ORV_ERROR_BAD_PARAM;
-    } else if (is_bayer(src_low) && !offered(src_low, dst_low, method, phase)) {
-        expected = ORV_ERROR_NOT_IMPLEMENTED;
-    }
+    const bool copy = (src_low == 0x01 || src_low == 0x02) && src_low == dst_low &&
+                      g.src_stride == g.dst_stride && g.height == g.dst_height;
+    const ORV_STATUS expected =
+        src_format == 0 || dst_format == 0 ? ORV_ERROR_BAD_PARAM
+        : !accepts(source, dst_low)        ? ORV_ERROR_NOT_SUPPORTED
+        : !copy && uint64_t(g.width) * g.height * out.bytes >
+                       uint64_t(g.dst_stride) * g.dst_height
+            ? ORV_ERROR_BAD_PARAM
+        : is_bayer(src_low) && !offered(src_low, dst_low, method, phase)
+            ? ORV_ERROR_NOT_IMPLEMENTED
+            : ORV_OK;
 
     Extent extent = accepted_extent(src_low, dst_low, source.bytes, out_bytes,
-                                    g, method, phase);
+                                    g, copy, method, phase);
     if (expected != ORV_OK) {
         // Nothing may be touched: any memory will do.
         extent = {std::min<size_t>(extent.src, 4096),
@@ -199,16 +189,13 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     } else if (extent.src > (1u << 22) || extent.dst > (1u << 22)) {
         return 0; // a wrapped row step or a geometry callers must not pass
     }
-
-    const Bytes src_bytes = in.pixels(extent.src);
-    const Bytes dst_bytes = in.pixels(extent.dst);
-    Image src(src_bytes, src_format, g.width, g.height, g.src_stride);
-    Image dst(dst_bytes, dst_format, g.dst_width, g.dst_height, g.dst_stride);
-    src.set(OFS_BAYER_METHOD, method);
-    src.set(OFS_BAYER_PHASE, phase);
-
-    const ORV_STATUS status = OVC_Convert(src.handle(), dst.handle());
-    check_call(status, expected, "status of the pair tables and capacity test",
-               src, src_bytes, dst, dst_bytes);
+    check_call(in, {src_format, g.width, g.height, g.src_stride, extent.src},
+               {dst_format, g.dst_width, g.dst_height, g.dst_stride, extent.dst}, 0,
+               expected, "status of the pair tables and capacity test",
+               [&](Image &src, Image &dst) {
+                   src.set(OFS_BAYER_METHOD, method);
+                   src.set(OFS_BAYER_PHASE, phase);
+                   return OVC_Convert(src.handle(), dst.handle());
+               });
     return 0;
 }

@@ -1,10 +1,7 @@
 // OVC_FieldToFrame and its four method routines: the input chooses the
 // entry, the method, the parity, the field's format and geometry (strides
-// from 0, the shortest lines each layout has, odd strides), the frame's
-// capacity and the pixels. The field and the frame are allocated at
-// exactly the extent the header gives: 2 x height lines at the field's
-// stride, less where Median's 32-bit lines shear, and past the field's
-// last line by as much as a filled line is longer than the stride.
+// from 0, odd ones, the shortest each layout has), the frame's capacity
+// and the pixels. Field and frame are exactly as long as frame_reach says.
 #include "fuzz_support.h"
 #include "support/field_lines.h"
 
@@ -13,7 +10,6 @@
 namespace {
 
 using namespace orv_fuzz;
-using namespace orv_test;
 
 ORV_STATUS (*const kMethods[])(OFS_HANDLE, OFS_HANDLE, uint32_t) = {
     OVC_FieldToFrame_LineDup, OVC_FieldToFrame_LineAve,
@@ -36,43 +32,30 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     const uint32_t height = in.below(in.flag() ? 4 : 20);
     const uint32_t stride = in.below(in.flag() ? 16 : 600);
     const uint32_t frame_stride = in.below(700);
-    const uint32_t frame_height =
-        uint32_t(std::max(0, int(2 * height + in.below(4)) - 2));
-    const uint32_t invalid = in.below(16); // 1: field, 2: frame
+    const uint32_t frame_height = uint32_t(std::max(0, int(2 * height + in.below(4)) - 2));
+    const uint32_t invalid = in.below(16);
 
     const Shape shape = shape_of(method, format);
     const Filled line = filled_line(shape, method == 3, stride);
-    ORV_STATUS expected = ORV_OK;
-    if (invalid == 1 || (invalid == 2 && dispatched)) {
-        expected = ORV_ERROR_BAD_PARAM;
-    } else if (method == 4) {
-        expected = ORV_ERROR_NOT_SUPPORTED;
-    } else if (method >= 2 && format == 0) {
-        expected = ORV_ERROR_BAD_PARAM;
-    } else if (uint64_t(2) * width * height >
-               uint64_t(frame_height) * frame_stride) {
-        expected = ORV_ERROR_BAD_PARAM;
-    } else if (shape == Shape::unhandled) {
-        expected = ORV_ERROR_NOT_SUPPORTED;
-    } else if (height == 0 || stride < line.least_stride) {
-        expected = ORV_ERROR_BAD_PARAM;
-    }
+    const ORV_STATUS expected =
+        invalid == 1 || (invalid == 2 && dispatched) ? ORV_ERROR_BAD_PARAM
+        : method == 4                                 ? ORV_ERROR_NOT_SUPPORTED
+        : method >= 2 && format == 0                  ? ORV_ERROR_BAD_PARAM
+        : uint64_t(2) * width * height > uint64_t(frame_height) * frame_stride
+            ? ORV_ERROR_BAD_PARAM
+        : shape == Shape::unhandled                   ? ORV_ERROR_NOT_SUPPORTED
+        : height == 0 || stride < line.least_stride   ? ORV_ERROR_BAD_PARAM
+                                                      : ORV_OK;
     Reach extent{64, 64}; // a refusal touches nothing
-    if (expected == ORV_OK)
-        extent = frame_reach(height, stride, parity != 0, line);
+    if (expected == ORV_OK) extent = frame_reach(height, stride, parity != 0, line);
 
-    const Bytes field_bytes = in.pixels(extent.field);
-    const Bytes frame_bytes = in.pixels(extent.frame);
-    Image field(field_bytes, format, width, height, stride);
-    Image frame(frame_bytes, ORV_FORMAT_Y8, width, frame_height, frame_stride);
-    if (invalid == 1) field.invalidate();
-    if (invalid == 2) frame.invalidate();
-
-    const ORV_STATUS status =
-        dispatched
-            ? OVC_FieldToFrame(field.handle(), frame.handle(), method, parity)
-            : kMethods[method](field.handle(), frame.handle(), parity);
-    check_call(status, expected, "status of the checks and capacity test",
-               field, field_bytes, frame, frame_bytes);
+    check_call(in, {format, width, height, stride, extent.field},
+               {ORV_FORMAT_Y8, width, frame_height, frame_stride, extent.frame}, invalid,
+               expected, "status of the checks and capacity test",
+               [&](Image &field, Image &frame) {
+                   return dispatched ? OVC_FieldToFrame(field.handle(), frame.handle(),
+                                                        method, parity)
+                                     : kMethods[method](field.handle(), frame.handle(), parity);
+               });
     return 0;
 }

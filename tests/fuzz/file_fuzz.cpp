@@ -1,21 +1,15 @@
 // The file writers: the input chooses the writer, the file type, the
-// buffer's format and geometry and its pixels. The pixels are allocated
-// at exactly what the writer reads (height x stride bytes for a raw dump,
-// height lines of width bytes for a TIFF strip), and the file must hold
-// what the header says: the raw bytes, or the TIFF header and strip.
-//
+// buffer's format, geometry and pixels. The pixels are exactly what the
+// writer reads (height x stride bytes for a raw dump, height lines of width
+// bytes for a TIFF strip) and the file must hold them as the header says.
 // A TIFF call that fails after opening its file keeps the stream open for
-// the life of the process, as the writer must: such calls are made a
-// bounded number of times per process, so descriptors do not run out.
+// the life of the process, so such calls are bounded per process.
 #include "fuzz_support.h"
 
 #include <unistd.h>
 
 #include <algorithm>
 #include <cstdio>
-#include <fstream>
-#include <iterator>
-#include <string>
 
 namespace {
 
@@ -27,29 +21,13 @@ const uint32_t kFormats[] = {ORV_FORMAT_Y8,    ORV_FORMAT_BGR24,
                              ORV_FORMAT_BGRX32, 0x00022601u, 0};
 const uint32_t kFileTypes[] = {OVC_FILE_RAW, OVC_FILE_TIFF, 0, 1, 4};
 
-// Calls that leave a stream open, still allowed in this process.
 unsigned open_streams_left = 200;
 
 // One scratch file per process, removed when the process ends.
 struct ScratchFile {
     std::string path = "/tmp/orvane-file-fuzz-" + std::to_string(getpid());
     ~ScratchFile() { std::remove(path.c_str()); }
-};
-
-const std::string &output_path() {
-    static const ScratchFile file;
-    return file.path;
-}
-
-Bytes read_back(const std::string &path) {
-    std::ifstream in(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in),
-            std::istreambuf_iterator<char>()};
-}
-
-bool finished_tiff(uint32_t format) {
-    return format == ORV_FORMAT_Y8 || format == ORV_FORMAT_BGR24;
-}
+} const scratch;
 
 } // namespace
 
@@ -62,57 +40,46 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     const uint32_t height = in.below(in.flag() ? 4 : 40);
     // A stride below the width is allowed on one line, whose step is
     // never taken.
-    const uint32_t stride =
-        height <= 1 && in.flag() ? in.below(400) : width + in.below(16);
-    const bool null_path = in.below(32) == 0;
+    const uint32_t stride = height <= 1 && in.flag() ? in.below(400) : width + in.below(16);
+    const char *path = in.below(32) == 0 ? nullptr : scratch.path.c_str();
     const bool tiff = file_type == OVC_FILE_TIFF;
-    const bool stays_open = tiff && !null_path && format != 0 &&
-                            !finished_tiff(format);
-    if (stays_open) {
+    const bool finished = format == ORV_FORMAT_Y8 || format == ORV_FORMAT_BGR24;
+    if (tiff && path && format != 0 && !finished) { // leaves a stream open
         if (open_streams_left == 0) return 0;
         --open_streams_left;
     }
 
-    ORV_STATUS expected = ORV_OK;
-    if (file_type != OVC_FILE_RAW && !tiff) expected = ORV_ERROR_NOT_SUPPORTED;
-    else if (tiff && format == 0) expected = ORV_ERROR_BAD_PARAM;
-    else if (null_path) expected = ORV_ERROR_OPEN_FAILED;
-    else if (tiff && format == ORV_FORMAT_Y16) expected = ORV_ERROR_BAD_PARAM;
-    else if (tiff && format == ORV_FORMAT_RGB24) expected = ORV_ERROR_BAD_PARAM;
-    else if (tiff && !finished_tiff(format)) expected = ORV_ERROR_BAD_FORMAT;
-
-    const bool reads_pixels = expected == ORV_OK;
-    const size_t extent = !reads_pixels ? 16
-                          : tiff        ? lines_extent(height, stride, width)
-                                        : size_t(height) * stride;
+    const ORV_STATUS expected =
+        file_type != OVC_FILE_RAW && !tiff                    ? ORV_ERROR_NOT_SUPPORTED
+        : tiff && format == 0                                 ? ORV_ERROR_BAD_PARAM
+        : !path                                               ? ORV_ERROR_OPEN_FAILED
+        : tiff && (format == ORV_FORMAT_Y16 || format == ORV_FORMAT_RGB24) ? ORV_ERROR_BAD_PARAM
+        : tiff && !finished                                   ? ORV_ERROR_BAD_FORMAT
+                                                              : ORV_OK;
+    const size_t extent = expected != ORV_OK ? 16
+                          : tiff             ? lines_extent(height, stride, width)
+                                             : size_t(height) * stride;
     const Bytes pixels = in.pixels(extent);
     Image image(pixels, format, width, height, stride);
-    const std::string &path = output_path();
-    std::remove(path.c_str());
+    std::remove(scratch.path.c_str());
 
-    const ORV_STATUS status =
-        tiff_entry ? OVC_FileWriteTiff(image.handle(),
-                                       null_path ? nullptr : path.c_str())
-                   : OVC_FileWrite(image.handle(),
-                                   null_path ? nullptr : path.c_str(),
-                                   file_type);
+    const ORV_STATUS status = tiff_entry ? OVC_FileWriteTiff(image.handle(), path)
+                                         : OVC_FileWrite(image.handle(), path, file_type);
     check(status == expected, "status of the writer's checks");
-    check(image.memory().bytes() == pixels && image.memory().intact(),
-          "pixels left unwritten");
-    if (status == ORV_OK) {
-        const Bytes file = read_back(path);
-        if (!tiff) {
-            check(file == pixels, "a raw dump holds height x stride bytes");
-        } else {
-            const size_t header = format == ORV_FORMAT_Y8 ? 186 : 204;
-            check(file.size() == header + size_t(width) * height,
-                  "a TIFF file holds its header and width x height bytes");
-            for (uint32_t y = 0; y < height; ++y)
-                check(std::equal(pixels.begin() + size_t(y) * stride,
-                                 pixels.begin() + size_t(y) * stride + width,
-                                 file.begin() + header + size_t(y) * width),
-                      "each strip line holds its line's first width bytes");
-        }
+    check(image.memory().bytes() == pixels && image.memory().intact(), "pixels left unwritten");
+    if (status != ORV_OK) return 0;
+    const Bytes file = read_file(scratch.path);
+    if (!tiff) {
+        check(file == pixels, "a raw dump holds height x stride bytes");
+        return 0;
     }
+    const size_t header = format == ORV_FORMAT_Y8 ? 186 : 204;
+    check(file.size() == header + size_t(width) * height,
+          "a TIFF file holds its header and width x height bytes");
+    for (uint32_t y = 0; y < height; ++y)
+        check(std::equal(pixels.begin() + size_t(y) * stride,
+                         pixels.begin() + size_t(y) * stride + width,
+                         file.begin() + header + size_t(y) * width),
+              "each strip line holds its line's first width bytes");
     return 0;
 }

@@ -1,26 +1,13 @@
 // The input reader, the exactly sized buffers and the finding report.
 #include "fuzz_support.h"
 
+#include <sanitizer/asan_interface.h> // its macros do nothing without ASan
+
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
-
-#if defined(__SANITIZE_ADDRESS__)
-#define ORV_FUZZ_ASAN 1
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define ORV_FUZZ_ASAN 1
-#endif
-#endif
-
-#if ORV_FUZZ_ASAN
-#include <sanitizer/asan_interface.h>
-#define ORV_POISON(p, n) ASAN_POISON_MEMORY_REGION(p, n)
-#define ORV_UNPOISON(p, n) ASAN_UNPOISON_MEMORY_REGION(p, n)
-#else
-#define ORV_POISON(p, n) ((void)(p), (void)(n))
-#define ORV_UNPOISON(p, n) ((void)(p), (void)(n))
-#endif
+#include <fstream>
+#include <iterator>
 
 namespace orv_fuzz {
 
@@ -29,6 +16,11 @@ constexpr uint8_t kGuardByte = 0xE7;
 void finding(const char *what) {
     std::fprintf(stderr, "finding: %s\n", what);
     std::abort();
+}
+
+Bytes read_file(const std::string &path) {
+    std::ifstream in(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
 }
 
 uint32_t FuzzInput::below(uint32_t bound) {
@@ -54,28 +46,24 @@ Bytes FuzzInput::pixels(size_t count) {
 }
 
 ExactBytes::ExactBytes(const Bytes &content)
-    : size_(content.size()), storage_(new uint8_t[size_ + 2 * kGuard]) {
-    std::memset(storage_.get(), kGuardByte, size_ + 2 * kGuard);
-    if (size_ > 0) std::memcpy(data(), content.data(), size_);
-    ORV_POISON(storage_.get(), kGuard);
-    ORV_POISON(data() + size_, kGuard);
+    : storage_(content.size() + 2 * kGuard, kGuardByte) {
+    std::copy(content.begin(), content.end(), data());
+    poison();
 }
 
-ExactBytes::~ExactBytes() { ORV_UNPOISON(storage_.get(), size_ + 2 * kGuard); }
+ExactBytes::~ExactBytes() { ASAN_UNPOISON_MEMORY_REGION(storage_.data(), storage_.size()); }
 
-Bytes ExactBytes::bytes() const {
-    const uint8_t *start = storage_.get() + kGuard;
-    return Bytes(start, start + size_);
+void ExactBytes::poison() const {
+    ASAN_POISON_MEMORY_REGION(storage_.data(), kGuard);
+    ASAN_POISON_MEMORY_REGION(storage_.data() + storage_.size() - kGuard, kGuard);
 }
 
 bool ExactBytes::intact() const {
-    ORV_UNPOISON(storage_.get(), size_ + 2 * kGuard);
-    bool intact = true;
-    for (size_t i = 0; i < kGuard; ++i)
-        intact = intact && storage_[i] == kGuardByte &&
-                 storage_[kGuard + size_ + i] == kGuardByte;
-    ORV_POISON(storage_.get(), kGuard);
-    ORV_POISON(storage_.get() + kGuard + size_, kGuard);
+    ASAN_UNPOISON_MEMORY_REGION(storage_.data(), storage_.size());
+    const auto guard = [](uint8_t b) { return b == kGuardByte; };
+    const bool intact = std::all_of(storage_.begin(), storage_.begin() + kGuard, guard) &&
+                        std::all_of(storage_.end() - kGuard, storage_.end(), guard);
+    poison();
     return intact;
 }
 

@@ -1,6 +1,6 @@
 // What every fuzz target shares: a reader that turns the input into
-// choices and pixel bytes, buffers allocated at exactly the extent a call
-// may touch, images made of them, and the check that reports a finding.
+// choices and pixel bytes, buffers of exactly the extent a call may touch,
+// images made of them, and the checks that report a finding.
 #ifndef ORVANE_FUZZ_SUPPORT_H
 #define ORVANE_FUZZ_SUPPORT_H
 
@@ -10,19 +10,15 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <memory>
+#include <string>
 #include <vector>
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size);
 
 namespace orv_fuzz {
 
+using namespace orv_test;
 using Bytes = std::vector<uint8_t>;
-using orv_test::DemosaicExtent;
-using orv_test::DemosaicMethod;
-using orv_test::demosaic_extent;
-using orv_test::lines_extent;
-using orv_test::method_of;
 
 // A finding: prints what was expected and aborts, so that libFuzzer (or
 // the replay driver's caller) keeps the input.
@@ -30,6 +26,8 @@ using orv_test::method_of;
 inline void check(bool holds, const char *what) {
     if (!holds) finding(what);
 }
+
+Bytes read_file(const std::string &path);
 
 // Reads choices from the front of the input; once it is used up every
 // choice is 0. The bytes left over become pixels.
@@ -39,7 +37,6 @@ public:
 
     // A value below `bound` (at least 1), from one, two or four bytes.
     uint32_t below(uint32_t bound);
-    // A value in [low, high].
     uint32_t in(uint32_t low, uint32_t high) { return low + below(high - low + 1); }
     bool flag() { return below(2) != 0; }
     template <class T, size_t N> const T &pick(const T (&choices)[N]) {
@@ -54,10 +51,9 @@ private:
     size_t size_;
 };
 
-// Memory of exactly `size` bytes between two guard zones. Under
-// AddressSanitizer the guards are poisoned, so any access outside is
-// reported at once; without it they hold a pattern that a write outside
-// spoils (see intact()).
+// Exactly `content.size()` bytes between two guard zones, which
+// AddressSanitizer reports any access to; without it they hold a pattern
+// that a write outside spoils (see intact()).
 class ExactBytes {
 public:
     explicit ExactBytes(const Bytes &content);
@@ -65,15 +61,14 @@ public:
     ExactBytes(const ExactBytes &) = delete;
     ExactBytes &operator=(const ExactBytes &) = delete;
 
-    uint8_t *data() { return storage_.get() + kGuard; }
-    Bytes bytes() const;
-    // Both guards as they were made.
+    uint8_t *data() { return storage_.data() + kGuard; }
+    Bytes bytes() const { return Bytes(storage_.begin() + kGuard, storage_.end() - kGuard); }
     bool intact() const;
 
 private:
     static constexpr size_t kGuard = 64;
-    size_t size_;
-    std::unique_ptr<uint8_t[]> storage_;
+    void poison() const;
+    Bytes storage_;
 };
 
 // A buffer-library descriptor of an ExactBytes image.
@@ -95,13 +90,27 @@ private:
     OFS_HANDLE handle_;
 };
 
-// What every call must leave: the expected status, the source as it was,
-// the destination as it was after a refusal, nothing outside either.
-inline void check_call(ORV_STATUS status, ORV_STATUS expected,
-                       const char *status_rule, Image &src,
-                       const Bytes &src_bytes, Image &dst,
-                       const Bytes &dst_bytes) {
-    check(status == expected, status_rule);
+struct Buffer {
+    uint32_t format, width, height, stride;
+    size_t extent; // the bytes the call may touch
+};
+
+// Makes the source and the destination of pixels from the input, makes
+// one of them invalid (`invalid` 1: the source, 2: the destination), and
+// checks that `call` returns `expected`, leaves the source as it was, the
+// destination too when it refuses, and nothing outside either.
+template <class Call>
+void check_call(FuzzInput &in, const Buffer &s, const Buffer &d,
+                uint32_t invalid, ORV_STATUS expected, const char *rule,
+                Call call) {
+    const Bytes src_bytes = in.pixels(s.extent);
+    const Bytes dst_bytes = in.pixels(d.extent);
+    Image src(src_bytes, s.format, s.width, s.height, s.stride);
+    Image dst(dst_bytes, d.format, d.width, d.height, d.stride);
+    if (invalid == 1) src.invalidate();
+    if (invalid == 2) dst.invalidate();
+    const ORV_STATUS status = call(src, dst);
+    check(status == expected, rule);
     check(src.memory().bytes() == src_bytes, "source left unwritten");
     if (status != ORV_OK)
         check(dst.memory().bytes() == dst_bytes, "refusal leaves destination");

@@ -1,13 +1,9 @@
 // The same input through the plain kernel table and through the table of
-// every SIMD level up to the one in use (all the machine has, when
-// ORVANE_SIMD is unset): each level must write the same bytes and return
-// the same result. The input chooses the kernel family, the entry, the
-// width or stride and the bytes; every buffer is allocated at exactly the
-// extent the plain kernel touches, and the destination starts as bytes
-// from the input, so bytes a kernel must leave alone are compared too.
-//
-// A family is a case reader and a runner over its table; adding a family
-// is one more entry in kFamilies.
+// every SIMD level up to the one in use: each level must write the same
+// bytes and return the same result. The input chooses the kernel family,
+// the entry, the width or stride and the bytes; every buffer is exactly as
+// long as the plain kernel's extent, and the destination starts as input
+// bytes, so bytes a kernel must leave alone are compared too.
 #include "fuzz_support.h"
 
 #include "support/kernel_levels.h"
@@ -18,22 +14,19 @@
 namespace {
 
 using namespace orv_fuzz;
-using orv_test::Filled;
-using orv_test::filled_line;
+using orv::deinterlace::DeinterlaceKernels;
 
 // Runs `run` on the plain table and on every twin level; all must agree.
-template <class Table, class Case>
-void compare_levels(const Table *const (&by_level)[orv::kSimdLevels],
-                    const Case &c, Bytes (*run)(const Table &, const Case &)) {
-    const Bytes plain = run(*by_level[0], c);
-    for (const auto &twin : orv_test::twin_tables(by_level))
-        if (run(*twin.table, c) != plain) finding(twin.level);
+template <class Table, class Run>
+void compare_levels(const Table *const (&by_level)[orv::kSimdLevels], Run run) {
+    const Bytes plain = run(*by_level[0]);
+    for (const auto &twin : twin_tables(by_level))
+        if (run(*twin.table) != plain) finding(twin.level);
 }
 
-// Runs a kernel on copies of the case's bytes, each copy exactly as long
-// as the case says; returns the destination afterwards.
-template <class Call>
-Bytes on_exact_copies(const Bytes &src, const Bytes &dst, Call call) {
+// Runs a kernel on exact copies of `src` and `dst`; returns the
+// destination afterwards.
+template <class Call> Bytes on_exact_copies(const Bytes &src, const Bytes &dst, Call call) {
     ExactBytes in(src), out(dst);
     call(in.data(), out.data());
     check(in.bytes() == src, "source left unwritten");
@@ -41,79 +34,47 @@ Bytes on_exact_copies(const Bytes &src, const Bytes &dst, Call call) {
     return out.bytes();
 }
 
-// ---- Conversion rows ---------------------------------------------------------
-
-struct ConvertCase {
-    const orv_test::ConversionRow *row;
-    uint32_t width;
-    Bytes src, dst;
-};
-
-Bytes run_convert(const orv::ConvertKernels &k, const ConvertCase &c) {
-    return on_exact_copies(c.src, c.dst, [&](const uint8_t *s, uint8_t *d) {
-        c.row->pick(k, c.row->a, c.row->b)(s, d, c.width);
+void test_convert(FuzzInput &in) {
+    static const std::vector<ConversionRow> rows = conversion_rows();
+    static const orv::ConvertKernels *const by_level[orv::kSimdLevels] =
+        ORV_TABLES_BY_LEVEL(convert_kernels);
+    const ConversionRow &row = rows[in.below(uint32_t(rows.size()))];
+    if (row.pick(*by_level[0], row.a, row.b) == nullptr) return; // not converted
+    const uint32_t width = in.below(in.flag() ? 70 : 2100);
+    const Extent e = row.extent(width, row.src_bytes, row.dst_bytes);
+    const Bytes src = in.pixels(e.src);
+    const Bytes dst = in.pixels(e.dst);
+    compare_levels(by_level, [&](const orv::ConvertKernels &k) {
+        return on_exact_copies(src, dst, [&](const uint8_t *s, uint8_t *d) {
+            row.pick(k, row.a, row.b)(s, d, width);
+        });
     });
 }
 
-void test_convert(FuzzInput &in) {
-    static const std::vector<orv_test::ConversionRow> rows = orv_test::conversion_rows();
-    static const orv::ConvertKernels *const by_level[orv::kSimdLevels] =
-        ORV_TABLES_BY_LEVEL(convert_kernels);
-    ConvertCase c{&rows[in.below(uint32_t(rows.size()))], 0, {}, {}};
-    if (c.row->pick(*by_level[0], c.row->a, c.row->b) == nullptr) return; // not converted
-    c.width = in.below(in.flag() ? 70 : 2100);
-    const orv_test::Extent e = c.row->extent(c.width, c.row->src_bytes, c.row->dst_bytes);
-    c.src = in.pixels(e.src);
-    c.dst = in.pixels(e.dst);
-    compare_levels(by_level, c, run_convert);
-}
-
-// ---- De-interlace line pairs ---------------------------------------------------
-
-using orv::deinterlace::DeinterlaceKernels;
-
-// Each entry writes a copy of the field line (stride bytes) and the filled
-// line after it; LineDup's filled line is a second copy.
-struct LineCase {
-    const orv_test::FieldLine *line;
-    uint32_t stride;
-    Bytes field, out; // the two field lines, S bytes apart; copy and filled line
-};
-
-// The filled line's bytes, then the step it returned.
-Bytes run_line(const DeinterlaceKernels &k, const LineCase &c) {
-    uintptr_t step = 0;
-    Bytes out = on_exact_copies(c.field, c.out,
-                                [&](const uint8_t *field, uint8_t *line) {
-                                    step = (k.*(c.line->entry))(field, c.stride,
-                                                                line);
-                                });
-    out.resize(out.size() + sizeof step);
-    std::memcpy(out.data() + out.size() - sizeof step, &step, sizeof step);
-    return out;
-}
-
+// Each entry reads two field lines S bytes apart and writes a copy of the
+// first and the filled line after it; the step it returns is compared too.
 void test_deinterlace(FuzzInput &in) {
-    const auto &entries = orv_test::field_line_entries();
-    LineCase c{&entries[in.below(uint32_t(entries.size()))], 0, {}, {}};
-    const uint32_t least =
-        filled_line(c.line->shape, c.line->median, 0).least_stride;
-    c.stride = least + in.below(in.flag() ? 80 : 2100);
-    const Filled filled = filled_line(c.line->shape, c.line->median, c.stride);
-    c.field = in.pixels(size_t(c.stride) + filled.length);
-    c.out = in.pixels(size_t(c.stride) + filled.length);
     static const DeinterlaceKernels *const by_level[orv::kSimdLevels] =
         ORV_TABLES_BY_LEVEL(deinterlace_kernels);
-    compare_levels(by_level, c, run_line);
+    const auto &entries = field_line_entries();
+    const FieldLine &line = entries[in.below(uint32_t(entries.size()))];
+    const uint32_t stride = filled_line(line.shape, line.median, 0).least_stride +
+                            in.below(in.flag() ? 80 : 2100);
+    const size_t extent = stride + filled_line(line.shape, line.median, stride).length;
+    const Bytes field = in.pixels(extent);
+    const Bytes out = in.pixels(extent);
+    compare_levels(by_level, [&](const DeinterlaceKernels &k) {
+        uintptr_t step = 0;
+        Bytes result = on_exact_copies(field, out, [&](const uint8_t *f, uint8_t *o) {
+            step = (k.*(line.entry))(f, stride, o);
+        });
+        result.resize(result.size() + sizeof step);
+        std::memcpy(result.data() + result.size() - sizeof step, &step, sizeof step);
+        return result;
+    });
 }
 
-// ---- The families ------------------------------------------------------------
-
-// Each family reads its case from the input and compares the levels.
-void (*const kFamilies[])(FuzzInput &) = {
-    test_convert,     // conversion rows
-    test_deinterlace, // de-interlace filled lines
-};
+void (*const kFamilies[])(FuzzInput &) = {test_convert, test_deinterlace};
 
 } // namespace
 
