@@ -195,7 +195,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
                [&](Image &src, Image &dst) {
                    src.set(OFS_BAYER_METHOD, method);
                    src.set(OFS_BAYER_PHASE, phase);
-                   return OVC_Convert(src.handle(), dst.handle());
+                   return OVC_Convert(src.handle, dst.handle);
                });
     return 0;
 }

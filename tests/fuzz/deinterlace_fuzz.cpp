@@ -26,7 +26,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     FuzzInput in(data, size);
     const uint32_t method = in.below(5); // 4 is no method
     const bool dispatched = method == 4 || in.flag();
-    const uint32_t parity = in.flag() ? in.in(1, 0xFFFF) : 0;
+    const uint32_t parity = in.flag() ? 1 + in.below(0xFFFF) : 0;
     const uint32_t format = in.pick(kFormats);
     const uint32_t width = in.below(200);
     const uint32_t height = in.below(in.flag() ? 4 : 20);
@@ -53,9 +53,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
                {ORV_FORMAT_Y8, width, frame_height, frame_stride, extent.frame}, invalid,
                expected, "status of the checks and capacity test",
                [&](Image &field, Image &frame) {
-                   return dispatched ? OVC_FieldToFrame(field.handle(), frame.handle(),
+                   return dispatched ? OVC_FieldToFrame(field.handle, frame.handle,
                                                         method, parity)
-                                     : kMethods[method](field.handle(), frame.handle(), parity);
+                                     : kMethods[method](field.handle, frame.handle, parity);
                });
     return 0;
 }

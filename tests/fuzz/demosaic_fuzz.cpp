@@ -19,7 +19,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     const uint32_t depth = in.pick(kDepths);
     const uint32_t sample = member.n_bit ? 2 : 1;
     const uint32_t out = demosaic_pixel_bytes(member.output);
-    const uint32_t width = in.in(2, in.flag() ? 9 : 130);
+    const uint32_t width = 2 + in.below(in.flag() ? 8 : 129);
     const uint32_t height = in.below(in.flag() ? 5 : 24);
     const uint32_t src_stride = width * sample + sample * in.below(4);
     const uint32_t dst_stride = width * out + in.below(9);
@@ -38,7 +38,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
                {ORV_FORMAT_Y8, 0, 0, dst_stride, extent.destination}, invalid, expected,
                "status: only invalid buffers and depth 8 fail",
                [&](Image &src, Image &dst) {
-                   return member.call(src.handle(), dst.handle(), depth);
+                   return member.call(src.handle, dst.handle, depth);
                });
     return 0;
 }

@@ -59,26 +59,25 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     const size_t extent = expected != ORV_OK ? 16
                           : tiff             ? lines_extent(height, stride, width)
                                              : size_t(height) * stride;
-    const Bytes pixels = in.pixels(extent);
-    Image image(pixels, format, width, height, stride);
+    const Image image(in, {format, width, height, stride, extent});
     std::remove(scratch.path.c_str());
 
-    const ORV_STATUS status = tiff_entry ? OVC_FileWriteTiff(image.handle(), path)
-                                         : OVC_FileWrite(image.handle(), path, file_type);
+    const ORV_STATUS status = tiff_entry ? OVC_FileWriteTiff(image.handle, path)
+                                         : OVC_FileWrite(image.handle, path, file_type);
     check(status == expected, "status of the writer's checks");
-    check(image.memory().bytes() == pixels && image.memory().intact(), "pixels left unwritten");
+    check(image.unchanged() && image.memory.intact(), "pixels left unwritten");
     if (status != ORV_OK) return 0;
     const Bytes file = read_file(scratch.path);
     if (!tiff) {
-        check(file == pixels, "a raw dump holds height x stride bytes");
+        check(file == image.pixels, "a raw dump holds height x stride bytes");
         return 0;
     }
     const size_t header = format == ORV_FORMAT_Y8 ? 186 : 204;
     check(file.size() == header + size_t(width) * height,
           "a TIFF file holds its header and width x height bytes");
     for (uint32_t y = 0; y < height; ++y)
-        check(std::equal(pixels.begin() + size_t(y) * stride,
-                         pixels.begin() + size_t(y) * stride + width,
+        check(std::equal(image.pixels.begin() + size_t(y) * stride,
+                         image.pixels.begin() + size_t(y) * stride + width,
                          file.begin() + header + size_t(y) * width),
               "each strip line holds its line's first width bytes");
     return 0;

@@ -67,23 +67,21 @@ bool ExactBytes::intact() const {
     return intact;
 }
 
-Image::Image(const Bytes &content, uint32_t format, uint32_t width,
-             uint32_t height, uint32_t stride)
-    : memory_(content),
-      handle_(OFS_BufferCreateImage(memory_.data(), width, height, stride,
-                                    format)) {
-    check(handle_ != 0, "the buffer library made a descriptor");
+Image::Image(FuzzInput &in, const Buffer &b)
+    : pixels(in.pixels(b.extent)), memory(pixels),
+      handle(OFS_BufferCreateImage(memory.data(), b.width, b.height, b.stride, b.format)) {
+    check(handle != 0, "the buffer library made a descriptor");
 }
 
-Image::~Image() { OFS_BufferDestroy(handle_); }
+Image::~Image() { OFS_BufferDestroy(handle); }
 
 void Image::set(uint32_t parameter, uint32_t value) {
-    OFS_BufferParameterSet(handle_, parameter, &value);
+    OFS_BufferParameterSet(handle, parameter, &value);
 }
 
 void Image::invalidate() {
     const uintptr_t invalid = 0;
-    OFS_BufferParameterSet(handle_, OFS_BUFFER_VALID, &invalid);
+    OFS_BufferParameterSet(handle, OFS_BUFFER_VALID, &invalid);
 }
 
 } // namespace orv_fuzz

@@ -37,7 +37,6 @@ public:
 
     // A value below `bound` (at least 1), from one, two or four bytes.
     uint32_t below(uint32_t bound);
-    uint32_t in(uint32_t low, uint32_t high) { return low + below(high - low + 1); }
     bool flag() { return below(2) != 0; }
     template <class T, size_t N> const T &pick(const T (&choices)[N]) {
         return choices[below(N)];
@@ -58,9 +57,6 @@ class ExactBytes {
 public:
     explicit ExactBytes(const Bytes &content);
     ~ExactBytes();
-    ExactBytes(const ExactBytes &) = delete;
-    ExactBytes &operator=(const ExactBytes &) = delete;
-
     uint8_t *data() { return storage_.data() + kGuard; }
     Bytes bytes() const { return Bytes(storage_.begin() + kGuard, storage_.end() - kGuard); }
     bool intact() const;
@@ -71,51 +67,44 @@ private:
     Bytes storage_;
 };
 
-// A buffer-library descriptor of an ExactBytes image.
-class Image {
-public:
-    Image(const Bytes &content, uint32_t format, uint32_t width,
-          uint32_t height, uint32_t stride);
-    ~Image();
-    Image(const Image &) = delete;
-    Image &operator=(const Image &) = delete;
-
-    OFS_HANDLE handle() const { return handle_; }
-    ExactBytes &memory() { return memory_; }
-    void set(uint32_t parameter, uint32_t value);
-    void invalidate();
-
-private:
-    ExactBytes memory_;
-    OFS_HANDLE handle_;
-};
-
 struct Buffer {
     uint32_t format, width, height, stride;
     size_t extent; // the bytes the call may touch
 };
 
-// Makes the source and the destination of pixels from the input, makes
-// one of them invalid (`invalid` 1: the source, 2: the destination), and
-// checks that `call` returns `expected`, leaves the source as it was, the
-// destination too when it refuses, and nothing outside either.
+// An image of exactly `extent` pixel bytes from the input, with its
+// buffer-library descriptor.
+struct Image {
+    Image(FuzzInput &in, const Buffer &b);
+    ~Image();
+    Image(const Image &) = delete;
+    Image &operator=(const Image &) = delete;
+    void set(uint32_t parameter, uint32_t value);
+    void invalidate();
+    bool unchanged() const { return memory.bytes() == pixels; }
+
+    const Bytes pixels; // as the image was made
+    ExactBytes memory;
+    const OFS_HANDLE handle;
+};
+
+// Makes the source and the destination, makes one of them invalid
+// (`invalid` 1: the source, 2: the destination), and checks that `call`
+// returns `expected`, leaves the source as it was, the destination too
+// when it refuses, and nothing outside either.
 template <class Call>
 void check_call(FuzzInput &in, const Buffer &s, const Buffer &d,
                 uint32_t invalid, ORV_STATUS expected, const char *rule,
                 Call call) {
-    const Bytes src_bytes = in.pixels(s.extent);
-    const Bytes dst_bytes = in.pixels(d.extent);
-    Image src(src_bytes, s.format, s.width, s.height, s.stride);
-    Image dst(dst_bytes, d.format, d.width, d.height, d.stride);
+    Image src(in, s);
+    Image dst(in, d);
     if (invalid == 1) src.invalidate();
     if (invalid == 2) dst.invalidate();
     const ORV_STATUS status = call(src, dst);
     check(status == expected, rule);
-    check(src.memory().bytes() == src_bytes, "source left unwritten");
-    if (status != ORV_OK)
-        check(dst.memory().bytes() == dst_bytes, "refusal leaves destination");
-    check(src.memory().intact() && dst.memory().intact(),
-          "nothing written outside either buffer");
+    check(src.unchanged(), "source left unwritten");
+    if (status != ORV_OK) check(dst.unchanged(), "refusal leaves destination");
+    check(src.memory.intact() && dst.memory.intact(), "nothing written outside either buffer");
 }
 
 } // namespace orv_fuzz
