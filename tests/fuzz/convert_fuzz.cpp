@@ -31,22 +31,16 @@ const char kFromBayerN[] = "\x06\x08\x0d\x11";
 const Format kSources[] = {
     {0x01, 1, 1, "\x01\x02\x03\x05\x06\x07\x08\x09\x0a\x0b\x0c\x0d\x0e\x0f"
                  "\x10\x11\x12\x13\x14\x15\x1c\x1d"},
-    {0x02, 2, 2, kGreyClasses},
-    {0x13, 2, 2, kGreyClasses},
-    {0x14, 2, 2, kGreyClasses},
-    {0x15, 2, 2, kGreyClasses},
+    {0x02, 2, 2, kGreyClasses}, {0x13, 2, 2, kGreyClasses},
+    {0x14, 2, 2, kGreyClasses}, {0x15, 2, 2, kGreyClasses},
     {0x1B, 0, 1, "\x06\x07\x08\x0b\x0c\x0d\x11\x12"},
     {0x08, 4, 1, "\x11"},
-    {0x09, 6, 2, kColours},
-    {0x0F, 4, 4, kColours},
-    {0x11, 3, 1, kColours},
-    {0x1C, 6, 2, kColours},
+    {0x09, 6, 2, kColours}, {0x0F, 4, 4, kColours},
+    {0x11, 3, 1, kColours}, {0x1C, 6, 2, kColours},
     {0x1E, 0, 1, "\x07\x08\x0c\x0d\x11\x12"},
     {0x16, 1, 1, "\x06\x08\x0b\x0d\x11"},
-    {0x17, 2, 2, kFromBayerN},
-    {0x18, 2, 2, kFromBayerN},
-    {0x19, 2, 2, kFromBayerN},
-    {0x1A, 2, 2, kFromBayerN},
+    {0x17, 2, 2, kFromBayerN}, {0x18, 2, 2, kFromBayerN},
+    {0x19, 2, 2, kFromBayerN}, {0x1A, 2, 2, kFromBayerN},
     {0x04, 1, 1, ""}, // never a source
     {0x03, 4, 4, ""}, // destination only
 };
@@ -69,13 +63,6 @@ bool accepts(const Format &source, uint32_t destination) {
 }
 
 bool is_bayer(uint32_t code) { return code >= 0x16 && code <= 0x1A; }
-
-// Whether a demosaic routine makes this output by this method and phase.
-bool offered(uint32_t source, uint32_t output, uint32_t method,
-             uint32_t phase) {
-    return orv::bayer::find_member(source != 0x16, output, method, phase) !=
-           nullptr;
-}
 
 struct Geometry {
     uint32_t width, height, src_stride, dst_stride, dst_width, dst_height;
@@ -110,15 +97,14 @@ Extent accepted_extent(uint32_t src, uint32_t dst, uint32_t bytes_in,
         return {lines_extent(h, g.src_stride, w),
                 lines_extent(h, w + (g.dst_stride - g.dst_width), w)};
     }
+    // Y12P and YUV 4:2:2 write a whole last pair, the stride's padding after it.
+    const size_t pair_line = pairs * 2 * bytes_out;
+    const size_t pair_dst =
+        lines_extent(h, pair_line + (g.dst_stride - w * bytes_out), pair_line);
     if (src == 0x1B)
-        return {lines_extent(h, pairs * 3 + (g.src_stride - (3 * w >> 1)),
-                             pairs * 3),
-                lines_extent(h, pairs * 2 * bytes_out + (g.dst_stride - w * bytes_out),
-                             pairs * 2 * bytes_out)};
-    if (src == 0x1E)
-        return {h * pairs * 4,
-                lines_extent(h, pairs * 2 * bytes_out + (g.dst_stride - w * bytes_out),
-                             pairs * 2 * bytes_out)};
+        return {lines_extent(h, pairs * 3 + (g.src_stride - (3 * w >> 1)), pairs * 3),
+                pair_dst};
+    if (src == 0x1E) return {h * pairs * 4, pair_dst};
     if (is_bayer(src)) {
         if (w < 2) return {kUnbounded, kUnbounded}; // callers pass W >= 2
         const DemosaicExtent e = demosaic_extent(
@@ -176,7 +162,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
         : !copy && uint64_t(g.width) * g.height * out.bytes >
                        uint64_t(g.dst_stride) * g.dst_height
             ? ORV_ERROR_BAD_PARAM
-        : is_bayer(src_low) && !offered(src_low, dst_low, method, phase)
+        : is_bayer(src_low) && !orv::bayer::find_member(src_low != 0x16, dst_low, method, phase)
             ? ORV_ERROR_NOT_IMPLEMENTED
             : ORV_OK;
 

@@ -32,16 +32,9 @@ uint32_t FuzzInput::below(uint32_t bound) {
 }
 
 Bytes FuzzInput::pixels(size_t count) {
+    if (size_ == 0) return random_bytes(count, 0x2545F491u);
     Bytes out(count);
-    uint32_t x = 0x2545F491u;
-    for (size_t i = 0; i < count; ++i) {
-        if (size_ > 0) {
-            out[i] = data_[i % size_];
-        } else {
-            x ^= x << 13, x ^= x >> 17, x ^= x << 5;
-            out[i] = static_cast<uint8_t>(x >> 24);
-        }
-    }
+    for (size_t i = 0; i < count; ++i) out[i] = data_[i % size_];
     return out;
 }
 

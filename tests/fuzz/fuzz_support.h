@@ -5,6 +5,7 @@
 #define ORVANE_FUZZ_SUPPORT_H
 
 #include "support/demosaic_extent.h"
+#include "support/test_image.h"
 
 #include <orvaneimage.h>
 
