@@ -7,12 +7,14 @@
 #include "support/demosaic_extent.h"
 #include "support/test_image.h"
 
-#include <orvaneimage.h>
+#include <sanitizer/asan_interface.h> // its macros do nothing without ASan
 
-#include <cstddef>
-#include <cstdint>
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
 #include <string>
-#include <vector>
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size);
 
@@ -23,12 +25,16 @@ using Bytes = std::vector<uint8_t>;
 
 // A finding: prints what was expected and aborts, so that libFuzzer (or
 // the replay driver's caller) keeps the input.
-[[noreturn]] void finding(const char *what);
 inline void check(bool holds, const char *what) {
-    if (!holds) finding(what);
+    if (holds) return;
+    std::fprintf(stderr, "finding: %s\n", what);
+    std::abort();
 }
 
-Bytes read_file(const std::string &path);
+inline Bytes read_file(const std::string &path) {
+    std::ifstream in(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+}
 
 // Reads choices from the front of the input; once it is used up every
 // choice is 0. The bytes left over become pixels.
@@ -37,14 +43,25 @@ public:
     FuzzInput(const uint8_t *data, size_t size) : data_(data), size_(size) {}
 
     // A value below `bound` (at least 1), from one, two or four bytes.
-    uint32_t below(uint32_t bound);
+    uint32_t below(uint32_t bound) {
+        const unsigned width = bound <= 0x100u ? 1 : bound <= 0x10000u ? 2 : 4;
+        uint32_t value = 0;
+        for (unsigned i = 0; i < width && size_ > 0; ++i, ++data_, --size_)
+            value = value << 8 | *data_;
+        return value % bound;
+    }
     bool flag() { return below(2) != 0; }
     template <class T, size_t N> const T &pick(const T (&choices)[N]) {
         return choices[below(N)];
     }
     // `count` bytes: the rest of the input over and over, or a fixed
     // pseudo-random run when nothing is left.
-    Bytes pixels(size_t count);
+    Bytes pixels(size_t count) const {
+        if (size_ == 0) return random_bytes(count, 0x2545F491u);
+        Bytes out(count);
+        for (size_t i = 0; i < count; ++i) out[i] = data_[i % size_];
+        return out;
+    }
 
 private:
     const uint8_t *data_;
@@ -53,18 +70,28 @@ private:
 
 // Exactly `content.size()` bytes between two guard zones, which
 // AddressSanitizer reports any access to; without it they hold a pattern
-// that a write outside spoils (see intact()).
+// that a write outside spoils.
 class ExactBytes {
 public:
-    explicit ExactBytes(const Bytes &content);
-    ~ExactBytes();
+    explicit ExactBytes(const Bytes &content) : storage_(content.size() + 2 * kGuard, kGuardByte) {
+        std::copy(content.begin(), content.end(), data());
+        ASAN_POISON_MEMORY_REGION(storage_.data(), kGuard);
+        ASAN_POISON_MEMORY_REGION(data() + content.size(), kGuard);
+    }
     uint8_t *data() { return storage_.data() + kGuard; }
     Bytes bytes() const { return Bytes(storage_.begin() + kGuard, storage_.end() - kGuard); }
-    bool intact() const;
+    // Whether both guards hold their pattern; the guards' last use, as it
+    // makes them addressable again.
+    bool intact() const {
+        ASAN_UNPOISON_MEMORY_REGION(storage_.data(), storage_.size());
+        const auto guard = [](uint8_t b) { return b == kGuardByte; };
+        return std::all_of(storage_.begin(), storage_.begin() + kGuard, guard) &&
+               std::all_of(storage_.end() - kGuard, storage_.end(), guard);
+    }
 
 private:
     static constexpr size_t kGuard = 64;
-    void poison() const;
+    static constexpr uint8_t kGuardByte = 0xE7;
     Bytes storage_;
 };
 
@@ -76,12 +103,21 @@ struct Buffer {
 // An image of exactly `extent` pixel bytes from the input, with its
 // buffer-library descriptor.
 struct Image {
-    Image(FuzzInput &in, const Buffer &b);
-    ~Image();
+    Image(FuzzInput &in, const Buffer &b)
+        : pixels(in.pixels(b.extent)), memory(pixels),
+          handle(OFS_BufferCreateImage(memory.data(), b.width, b.height, b.stride, b.format)) {
+        check(handle != 0, "the buffer library made a descriptor");
+    }
+    ~Image() { OFS_BufferDestroy(handle); }
     Image(const Image &) = delete;
     Image &operator=(const Image &) = delete;
-    void set(uint32_t parameter, uint32_t value);
-    void invalidate();
+    void set(uint32_t parameter, uint32_t value) {
+        OFS_BufferParameterSet(handle, parameter, &value);
+    }
+    void invalidate() {
+        const uintptr_t invalid = 0;
+        OFS_BufferParameterSet(handle, OFS_BUFFER_VALID, &invalid);
+    }
     bool unchanged() const { return memory.bytes() == pixels; }
 
     const Bytes pixels; // as the image was made

@@ -21,7 +21,7 @@ template <class Table, class Run>
 void compare_levels(const Table *const (&by_level)[orv::kSimdLevels], Run run) {
     const Bytes plain = run(*by_level[0]);
     for (const auto &twin : twin_tables(by_level))
-        if (run(*twin.table) != plain) finding(twin.level);
+        check(run(*twin.table) == plain, twin.level);
 }
 
 // Runs a kernel on exact copies of `src` and `dst`; returns the
