@@ -58,10 +58,6 @@ Layout destination_layout(uint32_t code) {
     return layouts[code & 0x1Fu];
 }
 
-bool accepts(const Format &source, uint32_t destination) {
-    return destination != 0 && std::strchr(source.accepts, int(destination));
-}
-
 bool is_bayer(uint32_t code) { return code >= 0x16 && code <= 0x1A; }
 
 struct Geometry {
@@ -158,7 +154,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
                       g.src_stride == g.dst_stride && g.height == g.dst_height;
     const ORV_STATUS expected =
         src_format == 0 || dst_format == 0 ? ORV_ERROR_BAD_PARAM
-        : !accepts(source, dst_low)        ? ORV_ERROR_NOT_SUPPORTED
+        : dst_low == 0 || !std::strchr(source.accepts, int(dst_low)) ? ORV_ERROR_NOT_SUPPORTED
         : !copy && uint64_t(g.width) * g.height * out.bytes >
                        uint64_t(g.dst_stride) * g.dst_height
             ? ORV_ERROR_BAD_PARAM
@@ -168,19 +164,18 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
 
     Extent extent = accepted_extent(src_low, dst_low, source.bytes, out_bytes,
                                     g, copy, method, phase);
-    if (expected != ORV_OK) {
-        // Nothing may be touched: any memory will do.
-        extent = {std::min<size_t>(extent.src, 4096),
-                  std::min<size_t>(extent.dst, 4096)};
-    } else if (extent.src > (1u << 22) || extent.dst > (1u << 22)) {
-        return 0; // a wrapped row step or a geometry callers must not pass
-    }
+    // A refusal touches nothing: any memory will do. A wrapped row step or a
+    // geometry callers must not pass is not tried.
+    if (expected != ORV_OK)
+        extent = {std::min<size_t>(extent.src, 4096), std::min<size_t>(extent.dst, 4096)};
+    else if (extent.src > (1u << 22) || extent.dst > (1u << 22))
+        return 0;
     check_call(in, {src_format, g.width, g.height, g.src_stride, extent.src},
                {dst_format, g.dst_width, g.dst_height, g.dst_stride, extent.dst}, 0,
                expected, "status of the pair tables and capacity test",
                [&](Image &src, Image &dst) {
-                   src.set(OFS_BAYER_METHOD, method);
-                   src.set(OFS_BAYER_PHASE, phase);
+                   OFS_BufferParameterSet(src.handle, OFS_BAYER_METHOD, &method);
+                   OFS_BufferParameterSet(src.handle, OFS_BAYER_PHASE, &phase);
                    return OVC_Convert(src.handle, dst.handle);
                });
     return 0;

@@ -68,9 +68,8 @@ private:
     size_t size_;
 };
 
-// Exactly `content.size()` bytes between two guard zones, which
-// AddressSanitizer reports any access to; without it they hold a pattern
-// that a write outside spoils.
+// Exactly `content.size()` bytes between two guard zones: AddressSanitizer
+// reports any access to them; without it, a write there spoils a pattern.
 class ExactBytes {
 public:
     explicit ExactBytes(const Bytes &content) : storage_(content.size() + 2 * kGuard, kGuardByte) {
@@ -80,8 +79,7 @@ public:
     }
     uint8_t *data() { return storage_.data() + kGuard; }
     Bytes bytes() const { return Bytes(storage_.begin() + kGuard, storage_.end() - kGuard); }
-    // Whether both guards hold their pattern; the guards' last use, as it
-    // makes them addressable again.
+    // Both guards as they were made; their last use, as it unpoisons them.
     bool intact() const {
         ASAN_UNPOISON_MEMORY_REGION(storage_.data(), storage_.size());
         const auto guard = [](uint8_t b) { return b == kGuardByte; };
@@ -110,14 +108,6 @@ struct Image {
     }
     ~Image() { OFS_BufferDestroy(handle); }
     Image(const Image &) = delete;
-    Image &operator=(const Image &) = delete;
-    void set(uint32_t parameter, uint32_t value) {
-        OFS_BufferParameterSet(handle, parameter, &value);
-    }
-    void invalidate() {
-        const uintptr_t invalid = 0;
-        OFS_BufferParameterSet(handle, OFS_BUFFER_VALID, &invalid);
-    }
     bool unchanged() const { return memory.bytes() == pixels; }
 
     const Bytes pixels; // as the image was made
@@ -135,8 +125,9 @@ void check_call(FuzzInput &in, const Buffer &s, const Buffer &d,
                 Call call) {
     Image src(in, s);
     Image dst(in, d);
-    if (invalid == 1) src.invalidate();
-    if (invalid == 2) dst.invalidate();
+    const uintptr_t not_valid = 0;
+    if (invalid == 1 || invalid == 2)
+        OFS_BufferParameterSet((invalid == 1 ? src : dst).handle, OFS_BUFFER_VALID, &not_valid);
     const ORV_STATUS status = call(src, dst);
     check(status == expected, rule);
     check(src.unchanged(), "source left unwritten");
