@@ -15,8 +15,6 @@ using namespace orv_fuzz;
 
 struct Format {
     uint8_t code;        // low byte
-    uint8_t bytes;       // per pixel (Y12P and YUV 4:2:2 go by pairs)
-    uint8_t word;        // the word its strides are a multiple of
     const char *accepts; // destination low bytes, as a string
 };
 
@@ -29,27 +27,23 @@ const char kFromBayerN[] = "\x06\x08\x0d\x11";
 
 // Every source that OVC_Convert accepts, with its destinations.
 const Format kSources[] = {
-    {0x01, 1, 1, "\x01\x02\x03\x05\x06\x07\x08\x09\x0a\x0b\x0c\x0d\x0e\x0f"
-                 "\x10\x11\x12\x13\x14\x15\x1c\x1d"},
-    {0x02, 2, 2, kGreyClasses}, {0x13, 2, 2, kGreyClasses},
-    {0x14, 2, 2, kGreyClasses}, {0x15, 2, 2, kGreyClasses},
-    {0x1B, 0, 1, "\x06\x07\x08\x0b\x0c\x0d\x11\x12"},
-    {0x08, 4, 1, "\x11"},
-    {0x09, 6, 2, kColours}, {0x0F, 4, 4, kColours},
-    {0x11, 3, 1, kColours}, {0x1C, 6, 2, kColours},
-    {0x1E, 0, 1, "\x07\x08\x0c\x0d\x11\x12"},
-    {0x16, 1, 1, "\x06\x08\x0b\x0d\x11"},
-    {0x17, 2, 2, kFromBayerN}, {0x18, 2, 2, kFromBayerN},
-    {0x19, 2, 2, kFromBayerN}, {0x1A, 2, 2, kFromBayerN},
-    {0x04, 1, 1, ""}, // never a source
-    {0x03, 4, 4, ""}, // destination only
+    {0x01, "\x01\x02\x03\x05\x06\x07\x08\x09\x0a\x0b\x0c\x0d\x0e\x0f"
+           "\x10\x11\x12\x13\x14\x15\x1c\x1d"},
+    {0x02, kGreyClasses}, {0x13, kGreyClasses}, {0x14, kGreyClasses}, {0x15, kGreyClasses},
+    {0x1B, "\x06\x07\x08\x0b\x0c\x0d\x11\x12"}, {0x08, "\x11"},
+    {0x09, kColours}, {0x0F, kColours}, {0x11, kColours}, {0x1C, kColours},
+    {0x1E, "\x07\x08\x0c\x0d\x11\x12"}, {0x16, "\x06\x08\x0b\x0d\x11"},
+    {0x17, kFromBayerN}, {0x18, kFromBayerN}, {0x19, kFromBayerN}, {0x1A, kFromBayerN},
+    {0x04, ""}, // never a source
+    {0x03, ""}, // destination only
 };
 
-// Bytes and stride word of each destination low byte (0: not a layout).
+// Bytes a pixel and stride word of each low byte (0 bytes: not a layout,
+// or Y12P and YUV 4:2:2 sources, which go by pairs).
 struct Layout {
     uint8_t bytes, word;
 };
-Layout destination_layout(uint32_t code) {
+Layout layout_of(uint32_t code) {
     static const Layout layouts[0x20] = {
         {0, 1}, {1, 1}, {2, 2}, {4, 4}, {0, 1}, {2, 2}, {2, 2}, {4, 1},
         {4, 1}, {6, 2}, {2, 2}, {2, 2}, {4, 1}, {4, 1}, {6, 2}, {4, 4},
@@ -134,15 +128,16 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     const uint32_t src_format = in.pick(kUpperBits) | src_low;
     const uint32_t dst_format = in.pick(kUpperBits) | dst_low;
     const uint32_t method = in.pick(kMethods), phase = in.pick(kPhases);
-    const Layout out = destination_layout(dst_low);
+    const Layout from = layout_of(src_low), out = layout_of(dst_low);
+    const uint32_t in_bytes = src_low == 0x1E ? 0 : from.bytes;
     const uint32_t out_bytes = out.bytes ? out.bytes : 1;
 
     Geometry g{};
     g.width = in.below(in.flag() ? 8 : 160);
     g.height = in.below(in.flag() ? 4 : 24);
     const uint32_t src_line = src_low == 0x1B ? (g.width + 1) / 2 * 3
-                                              : g.width * source.bytes;
-    g.src_stride = stride_for(in, src_line, source.word, g.height,
+                                              : g.width * in_bytes;
+    g.src_stride = stride_for(in, src_line, from.word, g.height,
                               !is_bayer(src_low));
     g.dst_stride = stride_for(in, g.width * out_bytes, out.word, g.height,
                               !is_bayer(src_low));
@@ -162,7 +157,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
             ? ORV_ERROR_NOT_IMPLEMENTED
             : ORV_OK;
 
-    Extent extent = accepted_extent(src_low, dst_low, source.bytes, out_bytes,
+    Extent extent = accepted_extent(src_low, dst_low, in_bytes, out_bytes,
                                     g, copy, method, phase);
     // A refusal touches nothing: any memory will do. A wrapped row step or a
     // geometry callers must not pass is not tried.
