@@ -168,10 +168,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     check_call(in, {src_format, g.width, g.height, g.src_stride, extent.src},
                {dst_format, g.dst_width, g.dst_height, g.dst_stride, extent.dst}, 0,
                expected, "status of the pair tables and capacity test",
-               [&](Image &src, Image &dst) {
-                   OFS_BufferParameterSet(src.handle, OFS_BAYER_METHOD, &method);
-                   OFS_BufferParameterSet(src.handle, OFS_BAYER_PHASE, &phase);
-                   return OVC_Convert(src.handle, dst.handle);
+               [&](OFS_HANDLE src, OFS_HANDLE dst) {
+                   OFS_BufferParameterSet(src, OFS_BAYER_METHOD, &method);
+                   OFS_BufferParameterSet(src, OFS_BAYER_PHASE, &phase);
+                   return OVC_Convert(src, dst);
                });
     return 0;
 }

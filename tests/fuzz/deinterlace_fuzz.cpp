@@ -52,10 +52,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     check_call(in, {format, width, height, stride, extent.field},
                {ORV_FORMAT_Y8, width, frame_height, frame_stride, extent.frame}, invalid,
                expected, "status of the checks and capacity test",
-               [&](Image &field, Image &frame) {
-                   return dispatched ? OVC_FieldToFrame(field.handle, frame.handle,
-                                                        method, parity)
-                                     : kMethods[method](field.handle, frame.handle, parity);
+               [&](OFS_HANDLE field, OFS_HANDLE frame) {
+                   return dispatched ? OVC_FieldToFrame(field, frame, method, parity)
+                                     : kMethods[method](field, frame, parity);
                });
     return 0;
 }

@@ -37,8 +37,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
                     src_stride, extent.source},
                {ORV_FORMAT_Y8, 0, 0, dst_stride, extent.destination}, invalid, expected,
                "status: only invalid buffers and depth 8 fail",
-               [&](Image &src, Image &dst) {
-                   return member.call(src.handle, dst.handle, depth);
-               });
+               [&](OFS_HANDLE s, OFS_HANDLE d) { return member.call(s, d, depth); });
     return 0;
 }

@@ -128,7 +128,7 @@ void check_call(FuzzInput &in, const Buffer &s, const Buffer &d,
     const uintptr_t not_valid = 0;
     if (invalid == 1 || invalid == 2)
         OFS_BufferParameterSet((invalid == 1 ? src : dst).handle, OFS_BUFFER_VALID, &not_valid);
-    const ORV_STATUS status = call(src, dst);
+    const ORV_STATUS status = call(src.handle, dst.handle);
     check(status == expected, rule);
     check(src.unchanged(), "source left unwritten");
     if (status != ORV_OK) check(dst.unchanged(), "refusal leaves destination");
