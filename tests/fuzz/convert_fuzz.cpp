@@ -1,7 +1,6 @@
-// OVC_Convert over every format pair, accepted or refused: the input
-// chooses both formats, the geometry, the Bayer method and phase and the
-// pixels. Both buffers are exactly as long as the header's extent for the
-// pair; the status is the one of the pair tables and the capacity test.
+// OVC_Convert over every format pair, accepted or refused, with buffers of
+// exactly the header's extent for the pair; the status is the one of the
+// pair tables and the capacity test.
 #include "bayer/member_table.h"
 #include "fuzz_support.h"
 #include "support/kernel_rows.h"
@@ -120,11 +119,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     FuzzInput in(data, size);
     const Format &source = in.pick(kSources);
     const uint32_t src_low = source.code;
-    const uint32_t dst_low =
-        in.below(8) == 0 || source.accepts[0] == 0
-            ? in.below(0x20)
-            : uint32_t(uint8_t(source.accepts[in.below(
-                  uint32_t(std::strlen(source.accepts)))]));
+    const uint32_t accepted = uint32_t(std::strlen(source.accepts));
+    const uint32_t dst_low = in.below(8) == 0 || accepted == 0
+                                 ? in.below(0x20)
+                                 : uint8_t(source.accepts[in.below(accepted)]);
     const uint32_t src_format = in.pick(kUpperBits) | src_low;
     const uint32_t dst_format = in.pick(kUpperBits) | dst_low;
     const uint32_t method = in.pick(kMethods), phase = in.pick(kPhases);

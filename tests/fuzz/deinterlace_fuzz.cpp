@@ -1,7 +1,6 @@
-// OVC_FieldToFrame and its four method routines: the input chooses the
-// entry, the method, the parity, the field's format and geometry (strides
-// from 0, odd ones, the shortest each layout has), the frame's capacity
-// and the pixels. Field and frame are exactly as long as frame_reach says.
+// OVC_FieldToFrame and its four method routines over any parity, field
+// format and geometry (strides from 0, odd ones, each layout's shortest)
+// and frame capacity; field and frame are exactly as long as they reach.
 #include "fuzz_support.h"
 #include "support/field_lines.h"
 

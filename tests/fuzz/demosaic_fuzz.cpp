@@ -1,7 +1,6 @@
-// The 81 demosaic routines called directly: the input chooses the routine,
-// the depth of an n-bit one, the geometry (widths from 2, heights from 0,
-// odd sizes included) and the samples. Only an invalid buffer or depth 8
-// is refused.
+// The 81 demosaic routines called directly, with any depth and geometry
+// (widths from 2, heights from 0, odd sizes): only an invalid buffer or
+// depth 8 is refused.
 #include "bayer/member_table.h"
 #include "fuzz_support.h"
 

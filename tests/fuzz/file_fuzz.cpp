@@ -1,7 +1,6 @@
-// The file writers: the input chooses the writer, the file type, the
-// buffer's format, geometry and pixels. The pixels are exactly what the
-// writer reads (height x stride bytes raw, height lines of width bytes for
-// TIFF) and the file must hold them as the header says.
+// The file writers over any file type, format and geometry: the pixels are
+// exactly what the writer reads (height x stride bytes raw, height lines of
+// width bytes for TIFF) and the file holds them as the header says.
 #include "fuzz_support.h"
 
 #include <unistd.h>
