@@ -59,19 +59,17 @@ struct Geometry {
 
 // A stride of one line plus padding in whole words, or, for an image of
 // at most one line, any stride (the row step is then never taken).
-uint32_t stride_for(FuzzInput &in, uint32_t line_bytes, uint32_t word,
-                    uint32_t height, bool any_allowed) {
-    if (any_allowed && height <= 1 && in.below(8) == 0) return in.below(0x10000);
-    return line_bytes + word * in.below(4);
+uint32_t stride_for(FuzzInput &in, uint32_t line, uint32_t word, uint32_t height, bool any) {
+    if (any && height <= 1 && in.below(8) == 0) return in.below(0x10000);
+    return line + word * in.below(4);
 }
 
 constexpr size_t kUnbounded = SIZE_MAX;
 
 // What the accepted conversion touches, as the header states it, or
 // kUnbounded where a row step wraps. A grey copy moves whole strides.
-Extent accepted_extent(uint32_t src, uint32_t dst, uint32_t bytes_in,
-                       uint32_t bytes_out, const Geometry &g, bool copy,
-                       uint32_t method, uint32_t phase) {
+Extent accepted_extent(uint32_t src, uint32_t dst, uint32_t bytes_in, uint32_t bytes_out,
+                       const Geometry &g, bool copy, uint32_t method, uint32_t phase) {
     const uint32_t w = g.width, h = g.height;
     const size_t pairs = w / 2 + (w & 1u);
     if (copy) return {size_t(h) * g.src_stride, size_t(h) * g.src_stride};
@@ -96,9 +94,9 @@ Extent accepted_extent(uint32_t src, uint32_t dst, uint32_t bytes_in,
     if (src == 0x1E) return {h * pairs * 4, pair_dst};
     if (is_bayer(src)) {
         if (w < 2) return {kUnbounded, kUnbounded}; // callers pass W >= 2
-        const DemosaicExtent e = demosaic_extent(
-            method_of(method), dst == 0x06 && phase == ORV_BAYER_PHASE_C, w, h,
-            bytes_in, g.src_stride, bytes_out, g.dst_stride);
+        const bool rgb16_c = dst == 0x06 && phase == ORV_BAYER_PHASE_C;
+        const DemosaicExtent e = demosaic_extent(method_of(method), rgb16_c, w, h, bytes_in,
+                                                 g.src_stride, bytes_out, g.dst_stride);
         return {e.source, e.destination};
     }
     const size_t next_word = src == 0x0F && dst == 0x0E ? 4 : 0;
@@ -127,18 +125,17 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     const uint32_t dst_format = in.pick(kUpperBits) | dst_low;
     const uint32_t method = in.pick(kMethods), phase = in.pick(kPhases);
     const Layout from = layout_of(src_low), out = layout_of(dst_low);
-    const uint32_t in_bytes = src_low == 0x1E ? 0 : from.bytes;
     const uint32_t out_bytes = out.bytes ? out.bytes : 1;
 
     Geometry g{};
     g.width = in.below(in.flag() ? 8 : 160);
     g.height = in.below(in.flag() ? 4 : 24);
-    const uint32_t src_line = src_low == 0x1B ? (g.width + 1) / 2 * 3
-                                              : g.width * in_bytes;
-    g.src_stride = stride_for(in, src_line, from.word, g.height,
-                              !is_bayer(src_low));
-    g.dst_stride = stride_for(in, g.width * out_bytes, out.word, g.height,
-                              !is_bayer(src_low));
+    // YUV 4:2:2 sources are read packed: their stride is any small value.
+    const uint32_t src_line = src_low == 0x1B   ? (g.width + 1) / 2 * 3
+                              : src_low == 0x1E ? 0
+                                                : g.width * from.bytes;
+    g.src_stride = stride_for(in, src_line, from.word, g.height, !is_bayer(src_low));
+    g.dst_stride = stride_for(in, g.width * out_bytes, out.word, g.height, !is_bayer(src_low));
     g.dst_width = g.width + in.below(5) - 2;
     g.dst_height = std::max<int>(0, int(g.height) + int(in.below(4)) - 2);
     if (in.below(4) == 0) g.dst_height = g.height, g.dst_stride = g.src_stride;
@@ -155,8 +152,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
             ? ORV_ERROR_NOT_IMPLEMENTED
             : ORV_OK;
 
-    Extent extent = accepted_extent(src_low, dst_low, in_bytes, out_bytes,
-                                    g, copy, method, phase);
+    Extent extent =
+        accepted_extent(src_low, dst_low, from.bytes, out_bytes, g, copy, method, phase);
     // A refusal touches nothing: any memory will do. A wrapped row step or a
     // geometry callers must not pass is not tried.
     if (expected != ORV_OK)
