@@ -161,8 +161,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     else if (extent.src > (1u << 22) || extent.dst > (1u << 22))
         return 0;
     check_call(in, {src_format, g.width, g.height, g.src_stride, extent.src},
-               {dst_format, g.dst_width, g.dst_height, g.dst_stride, extent.dst}, 0,
-               expected, "status of the pair tables and capacity test",
+               {dst_format, g.dst_width, g.dst_height, g.dst_stride, extent.dst}, 0, expected,
                [&](OFS_HANDLE src, OFS_HANDLE dst) {
                    OFS_BufferParameterSet(src, OFS_BAYER_METHOD, &method);
                    OFS_BufferParameterSet(src, OFS_BAYER_PHASE, &phase);

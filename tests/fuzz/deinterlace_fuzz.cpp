@@ -49,8 +49,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     if (expected == ORV_OK) extent = frame_reach(height, stride, parity != 0, line);
 
     check_call(in, {format, width, height, stride, extent.field},
-               {ORV_FORMAT_Y8, width, frame_height, frame_stride, extent.frame}, invalid,
-               expected, "status of the checks and capacity test",
+               {ORV_FORMAT_Y8, width, frame_height, frame_stride, extent.frame}, invalid, expected,
                [&](OFS_HANDLE field, OFS_HANDLE frame) {
                    return dispatched ? OVC_FieldToFrame(field, frame, method, parity)
                                      : kMethods[method](field, frame, parity);

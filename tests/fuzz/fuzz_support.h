@@ -120,16 +120,15 @@ struct Image {
 // returns `expected`, leaves the source as it was, the destination too
 // when it refuses, and nothing outside either.
 template <class Call>
-void check_call(FuzzInput &in, const Buffer &s, const Buffer &d,
-                uint32_t invalid, ORV_STATUS expected, const char *rule,
-                Call call) {
+void check_call(FuzzInput &in, const Buffer &s, const Buffer &d, uint32_t invalid,
+                ORV_STATUS expected, Call call) {
     Image src(in, s);
     Image dst(in, d);
     const uintptr_t not_valid = 0;
     if (invalid == 1 || invalid == 2)
         OFS_BufferParameterSet((invalid == 1 ? src : dst).handle, OFS_BUFFER_VALID, &not_valid);
     const ORV_STATUS status = call(src.handle, dst.handle);
-    check(status == expected, rule);
+    check(status == expected, "the status the target expects");
     check(src.unchanged(), "source left unwritten");
     if (status != ORV_OK) check(dst.unchanged(), "refusal leaves destination");
     check(src.memory.intact() && dst.memory.intact(), "nothing written outside either buffer");
