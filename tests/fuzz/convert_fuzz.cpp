@@ -114,7 +114,7 @@ const uint32_t kUpperBits[] = {0xC0022600u, 0xC0022600u, 0x00012600u, 0};
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
-    FuzzInput in(data, size);
+    FuzzInput in{data, size};
     const Format &source = in.pick(kSources);
     const uint32_t src_low = source.code;
     const uint32_t accepted = uint32_t(std::strlen(source.accepts));

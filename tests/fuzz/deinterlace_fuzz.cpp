@@ -22,7 +22,7 @@ const uint32_t kFormats[] = {
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
-    FuzzInput in(data, size);
+    FuzzInput in{data, size};
     const uint32_t method = in.below(5); // 4 is no method
     const bool dispatched = method == 4 || in.flag();
     const uint32_t parity = in.flag() ? 1 + in.below(0xFFFF) : 0;

@@ -13,7 +13,7 @@ const uint32_t kDepths[] = {10, 12, 14, 16, 10, 12, 8, 0, 9, 20, 40};
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
-    FuzzInput in(data, size);
+    FuzzInput in{data, size};
     const orv::bayer::DemosaicMember &member = in.pick(orv::bayer::kDemosaicMembers);
     const uint32_t depth = in.pick(kDepths);
     const uint32_t sample = member.n_bit ? 2 : 1;

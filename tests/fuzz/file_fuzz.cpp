@@ -28,7 +28,7 @@ struct ScratchFile {
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
-    FuzzInput in(data, size);
+    FuzzInput in{data, size};
     const bool tiff_entry = in.flag();
     const uint32_t file_type = tiff_entry ? OVC_FILE_TIFF : in.pick(kFileTypes);
     const uint32_t format = in.pick(kFormats);

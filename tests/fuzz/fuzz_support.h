@@ -38,16 +38,16 @@ inline Bytes read_file(const std::string &path) {
 
 // Reads choices from the front of the input; once it is used up every
 // choice is 0. The bytes left over become pixels.
-class FuzzInput {
-public:
-    FuzzInput(const uint8_t *data, size_t size) : data_(data), size_(size) {}
+struct FuzzInput {
+    const uint8_t *data;
+    size_t size;
 
     // A value below `bound` (at least 1), from one, two or four bytes.
     uint32_t below(uint32_t bound) {
         const unsigned width = bound <= 0x100u ? 1 : bound <= 0x10000u ? 2 : 4;
         uint32_t value = 0;
-        for (unsigned i = 0; i < width && size_ > 0; ++i, ++data_, --size_)
-            value = value << 8 | *data_;
+        for (unsigned i = 0; i < width && size > 0; ++i, ++data, --size)
+            value = value << 8 | *data;
         return value % bound;
     }
     bool flag() { return below(2) != 0; }
@@ -57,40 +57,34 @@ public:
     // `count` bytes: the rest of the input over and over, or a fixed
     // pseudo-random run when nothing is left.
     Bytes pixels(size_t count) const {
-        if (size_ == 0) return random_bytes(count, 0x2545F491u);
+        if (size == 0) return random_bytes(count, 0x2545F491u);
         Bytes out(count);
-        for (size_t i = 0; i < count; ++i) out[i] = data_[i % size_];
+        for (size_t i = 0; i < count; ++i) out[i] = data[i % size];
         return out;
     }
-
-private:
-    const uint8_t *data_;
-    size_t size_;
 };
 
 // Exactly `content.size()` bytes between two guard zones: AddressSanitizer
 // reports any access to them; without it, a write there spoils a pattern.
-class ExactBytes {
-public:
-    explicit ExactBytes(const Bytes &content) : storage_(content.size() + 2 * kGuard, kGuardByte) {
-        std::copy(content.begin(), content.end(), data());
-        ASAN_POISON_MEMORY_REGION(storage_.data(), kGuard);
-        ASAN_POISON_MEMORY_REGION(data() + content.size(), kGuard);
-    }
-    uint8_t *data() { return storage_.data() + kGuard; }
-    Bytes bytes() const { return Bytes(storage_.begin() + kGuard, storage_.end() - kGuard); }
-    // Both guards as they were made; their last use, as it unpoisons them.
-    bool intact() const {
-        ASAN_UNPOISON_MEMORY_REGION(storage_.data(), storage_.size());
-        const auto guard = [](uint8_t b) { return b == kGuardByte; };
-        return std::all_of(storage_.begin(), storage_.begin() + kGuard, guard) &&
-               std::all_of(storage_.end() - kGuard, storage_.end(), guard);
-    }
-
-private:
+struct ExactBytes {
     static constexpr size_t kGuard = 64;
     static constexpr uint8_t kGuardByte = 0xE7;
-    Bytes storage_;
+    Bytes storage;
+
+    explicit ExactBytes(const Bytes &content) : storage(content.size() + 2 * kGuard, kGuardByte) {
+        std::copy(content.begin(), content.end(), data());
+        ASAN_POISON_MEMORY_REGION(storage.data(), kGuard);
+        ASAN_POISON_MEMORY_REGION(data() + content.size(), kGuard);
+    }
+    uint8_t *data() { return storage.data() + kGuard; }
+    Bytes bytes() const { return Bytes(storage.begin() + kGuard, storage.end() - kGuard); }
+    // Both guards as they were made; their last use, as it unpoisons them.
+    bool intact() const {
+        ASAN_UNPOISON_MEMORY_REGION(storage.data(), storage.size());
+        const auto guard = [](uint8_t b) { return b == kGuardByte; };
+        return std::all_of(storage.begin(), storage.begin() + kGuard, guard) &&
+               std::all_of(storage.end() - kGuard, storage.end(), guard);
+    }
 };
 
 struct Buffer {

@@ -68,7 +68,7 @@ void (*const kFamilies[])(FuzzInput &) = {test_convert, test_deinterlace};
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
-    FuzzInput in(data, size);
+    FuzzInput in{data, size};
     in.pick(kFamilies)(in);
     return 0;
 }
