@@ -8,8 +8,6 @@
 #include <algorithm>
 #include <cstring>
 
-namespace {
-
 using namespace orv_fuzz;
 
 struct Format {
@@ -42,7 +40,7 @@ const Format kSources[] = {
 struct Layout {
     uint8_t bytes, word;
 };
-Layout layout_of(uint32_t code) {
+static Layout layout_of(uint32_t code) {
     static const Layout layouts[0x20] = {
         {0, 1}, {1, 1}, {2, 2}, {4, 4}, {0, 1}, {2, 2}, {2, 2}, {4, 1},
         {4, 1}, {6, 2}, {2, 2}, {2, 2}, {4, 1}, {4, 1}, {6, 2}, {4, 4},
@@ -51,7 +49,7 @@ Layout layout_of(uint32_t code) {
     return layouts[code & 0x1Fu];
 }
 
-bool is_bayer(uint32_t code) { return code >= 0x16 && code <= 0x1A; }
+static bool is_bayer(uint32_t code) { return code >= 0x16 && code <= 0x1A; }
 
 struct Geometry {
     uint32_t width, height, src_stride, dst_stride, dst_width, dst_height;
@@ -59,7 +57,7 @@ struct Geometry {
 
 // A stride of one line plus padding in whole words, or, for an image of
 // at most one line, any stride (the row step is then never taken).
-uint32_t stride_for(FuzzInput &in, uint32_t line, uint32_t word, uint32_t height, bool any) {
+static uint32_t stride_for(FuzzInput &in, uint32_t line, uint32_t word, uint32_t height, bool any) {
     if (any && height <= 1 && in.below(8) == 0) return in.below(0x10000);
     return line + word * in.below(4);
 }
@@ -68,8 +66,8 @@ constexpr size_t kUnbounded = SIZE_MAX;
 
 // What the accepted conversion touches, as the header states it, or
 // kUnbounded where a row step wraps. A grey copy moves whole strides.
-Extent accepted_extent(uint32_t src, uint32_t dst, uint32_t bytes_in, uint32_t bytes_out,
-                       const Geometry &g, bool copy, uint32_t method, uint32_t phase) {
+static Extent accepted_extent(uint32_t src, uint32_t dst, uint32_t bytes_in, uint32_t bytes_out,
+                              const Geometry &g, bool copy, uint32_t method, uint32_t phase) {
     const uint32_t w = g.width, h = g.height;
     const size_t pairs = w / 2 + (w & 1u);
     if (copy) return {size_t(h) * g.src_stride, size_t(h) * g.src_stride};
@@ -110,8 +108,6 @@ const uint32_t kPhases[] = {ORV_BAYER_PHASE_A, ORV_BAYER_PHASE_B,
                             ORV_BAYER_PHASE_C, ORV_BAYER_PHASE_D, 0x50A};
 // Only the low byte of a format takes part; zero is refused.
 const uint32_t kUpperBits[] = {0xC0022600u, 0xC0022600u, 0x00012600u, 0};
-
-} // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     FuzzInput in{data, size};

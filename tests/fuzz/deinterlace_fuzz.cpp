@@ -6,8 +6,6 @@
 
 #include <algorithm>
 
-namespace {
-
 using namespace orv_fuzz;
 
 ORV_STATUS (*const kMethods[])(OFS_HANDLE, OFS_HANDLE, uint32_t) = {
@@ -18,8 +16,6 @@ const uint32_t kFormats[] = {
     ORV_FORMAT_Y8,     ORV_FORMAT_XBGR32, ORV_FORMAT_BGRX32, ORV_FORMAT_XRGB32,
     ORV_FORMAT_RGBX32, ORV_FORMAT_BGR24,  ORV_FORMAT_RGB24,  ORV_FORMAT_YUV422,
     ORV_FORMAT_Y16,    ORV_FORMAT_RGB16,  0x00022601u,       0};
-
-} // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     FuzzInput in{data, size};

@@ -4,13 +4,9 @@
 #include "bayer/member_table.h"
 #include "fuzz_support.h"
 
-namespace {
-
 using namespace orv_fuzz;
 
 const uint32_t kDepths[] = {10, 12, 14, 16, 10, 12, 8, 0, 9, 20, 40};
-
-} // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     FuzzInput in{data, size};

@@ -8,8 +8,6 @@
 #include <algorithm>
 #include <cstdio>
 
-namespace {
-
 using namespace orv_fuzz;
 
 const uint32_t kFormats[] = {ORV_FORMAT_Y8,  ORV_FORMAT_BGR24, ORV_FORMAT_Y8,
@@ -17,15 +15,11 @@ const uint32_t kFormats[] = {ORV_FORMAT_Y8,  ORV_FORMAT_BGR24, ORV_FORMAT_Y8,
                              ORV_FORMAT_BGRX32, 0x00022601u, 0};
 const uint32_t kFileTypes[] = {OVC_FILE_RAW, OVC_FILE_TIFF, 0, 1, 4};
 
-unsigned open_streams = 0;
-
 // One scratch file per process, removed when the process ends.
 struct ScratchFile {
     std::string path = "/tmp/orvane-file-fuzz-" + std::to_string(getpid());
     ~ScratchFile() { std::remove(path.c_str()); }
 } const scratch;
-
-} // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     FuzzInput in{data, size};
@@ -34,14 +28,14 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     const uint32_t format = in.pick(kFormats);
     const uint32_t width = in.below(in.flag() ? 8 : 300);
     const uint32_t height = in.below(in.flag() ? 4 : 40);
-    // A stride below the width is allowed on one line, whose step is
-    // never taken.
+    // A stride below the width only on one line, whose step is never taken.
     const uint32_t stride = height <= 1 && in.flag() ? in.below(400) : width + in.below(16);
     const char *path = in.below(32) == 0 ? nullptr : scratch.path.c_str();
     const bool tiff = file_type == OVC_FILE_TIFF;
     const bool finished = format == ORV_FORMAT_Y8 || format == ORV_FORMAT_BGR24;
     // A TIFF call refused after opening its file keeps the stream open for
     // the life of the process: at most 200 such calls a process.
+    static unsigned open_streams = 0;
     if (tiff && path && format != 0 && !finished && ++open_streams > 200) return 0;
 
     const ORV_STATUS expected =

@@ -3,13 +3,10 @@
 // return the same result. Buffers are exactly the plain kernel's extent;
 // the destination starts as input bytes, so bytes left alone count too.
 #include "fuzz_support.h"
-
 #include "support/kernel_levels.h"
 #include "support/kernel_rows.h"
 
 #include <utility>
-
-namespace {
 
 using namespace orv_fuzz;
 using orv::deinterlace::DeinterlaceKernels;
@@ -18,8 +15,8 @@ using orv::deinterlace::DeinterlaceKernels;
 // `dst` for the plain table and every twin level: each must leave the
 // source and what lies outside, and all must give the same bytes and result.
 template <class Table, class Call>
-void compare_levels(const Table *const (&by_level)[orv::kSimdLevels],
-                    const Bytes &src, const Bytes &dst, Call call) {
+static void compare_levels(const Table *const (&by_level)[orv::kSimdLevels],
+                           const Bytes &src, const Bytes &dst, Call call) {
     const auto run = [&](const Table &table) {
         ExactBytes in(src), out(dst);
         const uintptr_t result = call(table, in.data(), out.data());
@@ -32,7 +29,7 @@ void compare_levels(const Table *const (&by_level)[orv::kSimdLevels],
         check(run(*twin.table) == plain, twin.level);
 }
 
-void test_convert(FuzzInput &in) {
+static void test_convert(FuzzInput &in) {
     static const std::vector<ConversionRow> rows = conversion_rows();
     static const orv::ConvertKernels *const by_level[orv::kSimdLevels] =
         ORV_TABLES_BY_LEVEL(convert_kernels);
@@ -49,7 +46,7 @@ void test_convert(FuzzInput &in) {
 
 // Each entry reads two field lines S bytes apart and writes a copy of the
 // first and the filled line after it, and returns its step.
-void test_deinterlace(FuzzInput &in) {
+static void test_deinterlace(FuzzInput &in) {
     static const DeinterlaceKernels *const by_level[orv::kSimdLevels] =
         ORV_TABLES_BY_LEVEL(deinterlace_kernels);
     const auto &entries = field_line_entries();
@@ -64,8 +61,6 @@ void test_deinterlace(FuzzInput &in) {
 }
 
 void (*const kFamilies[])(FuzzInput &) = {test_convert, test_deinterlace};
-
-} // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     FuzzInput in{data, size};
