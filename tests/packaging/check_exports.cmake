@@ -1,8 +1,7 @@
-# Compares the dynamic symbols that LIBRARY defines with the functions that
-# HEADERS declare with default visibility (ORV_API). Any symbol missing on
-# either side fails the check and is named. The library's version script
-# makes every other symbol local, the sanitizers' and fuzzing coverage's
-# included, so every build is held to the same list.
+# Compares the dynamic symbols LIBRARY defines with the functions HEADERS
+# declare ORV_API (default visibility), naming any missing on either side.
+# The version script hides every other symbol (the sanitizers' and fuzzing
+# coverage's too), so every build is held to the same list.
 set(declared "")
 foreach(header IN LISTS HEADERS)
   execute_process(COMMAND ${COMPILER} -E -P -I${INCLUDE_DIR} ${header}

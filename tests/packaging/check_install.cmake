@@ -22,13 +22,11 @@ foreach(f include/orvaneimage.h include/orvane/buffer.h
   endif()
 endforeach()
 
-# CMake package.
 run(${CMAKE_COMMAND} -S ${EXAMPLE_DIR} -B ${WORK_DIR}/cmake-build
     -DCMAKE_PREFIX_PATH=${prefix} -DCMAKE_C_COMPILER=${C_COMPILER})
 run(${CMAKE_COMMAND} --build ${WORK_DIR}/cmake-build)
 run(${WORK_DIR}/cmake-build/hello_orvane)
 
-# pkg-config.
 set(ENV{PKG_CONFIG_PATH} ${prefix}/lib/pkgconfig)
 execute_process(COMMAND pkg-config --cflags --libs orvaneimage
                 OUTPUT_VARIABLE flags RESULT_VARIABLE rc

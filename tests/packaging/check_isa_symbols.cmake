@@ -20,9 +20,8 @@ foreach(object IN LISTS OBJECTS)
   endif()
   string(REPLACE "\n" ";" lines "${symbols}")
   foreach(line IN LISTS lines)
-    # Upper-case types are global or weak; lower-case ones stay in the file.
-    # The toolchain's own globals are allowed: AddressSanitizer's marker
-    # of each global variable, the 32-bit position-independent thunks and
+    # Upper-case types are global or weak. Allowed toolchain globals:
+    # AddressSanitizer's marker of each global, the 32-bit PIC thunks and
     # the exception-handling personality's reference.
     if(line MATCHES "^[0-9a-fA-F]* [A-Z] (.*)$")
       set(name "${CMAKE_MATCH_1}")

@@ -3,7 +3,7 @@ ctypes on buffers laid out by hand: odd widths, strided views, 8- and
 16-bit samples, the calls that read or write past the image, errors, and
 two threads at once. The arithmetic itself is the C tests' business."""
 import ctypes
-import threading
+from concurrent.futures import ThreadPoolExecutor
 
 import numpy as np
 import pytest
@@ -98,21 +98,21 @@ def test_convert_matches_the_library(image, name, to, reference):
     # image (RGB30 into RGB48 reads the pixel after each line: see below).
     wide = np.zeros((image.shape[0] + 2, image.shape[1] + 3) + image.shape[2:], image.dtype)
     wide[1:-1, 1:-2] = image
-    if to != "rgb48":
-        np.testing.assert_array_equal(orvane.convert(wide[1:-1, 1:-2], to, source_format=fmt), result)
+    strided = image if to == "rgb48" else wide[1:-1, 1:-2]
+    np.testing.assert_array_equal(orvane.convert(strided, to, source_format=fmt), result)
     if image.ndim == 3:
         flipped = np.ascontiguousarray(image[..., ::-1])[..., ::-1]
         np.testing.assert_array_equal(orvane.convert(flipped, to, source_format=fmt), result)
     # So does writing into `out`, a view of a larger array whose other
-    # elements keep their value, and so do X bytes unless a grey source
-    # writes them.
-    canvas = np.full((result.shape[0] + 1, result.shape[1] + 2) + result.shape[2:], 0xAA, result.dtype)
-    out = canvas[1:, 1:-1]
-    assert orvane.convert(image, to, source_format=fmt, out=out) is out
-    expected = canvas.copy()
-    expected[1:, 1:-1] = result
+    # elements keep their value (equal strides included: Y8 into Y8), and
+    # so do X bytes unless a grey source writes them.
+    canvas = np.full((result.shape[0] + 1, result.shape[1] + 3) + result.shape[2:], 0xAA, result.dtype)
+    out = canvas[1:, 1:-2]
+    assert orvane.convert(strided, to, source_format=fmt, out=out) is out
+    expected = np.full_like(canvas, 0xAA)
+    expected[1:, 1:-2] = result
     if to.endswith("x32") and name not in ("y8", "y16", "y10", "y12", "y14", "y12p"):
-        expected[1:, 1:-1, 0 if to.startswith("x") else 3] = 0xAA
+        expected[1:, 1:-2, 0 if to.startswith("x") else 3] = 0xAA
     np.testing.assert_array_equal(canvas, expected)
 
 
@@ -121,12 +121,6 @@ def test_rgb30_to_rgb48_reads_the_next_pixel_of_a_larger_array_in_place():
     result = orvane.convert(wide[:, :5], "rgb48")
     reference = c_convert(wide, 5, "rgb30", "rgb48", (3, 6, 3))  # stride of 6 pixels
     np.testing.assert_array_equal(result, reference[:, :5])
-
-
-def test_equal_strides_copy_no_padding_into_out():
-    src, canvas = random((4, 9)), np.full((4, 9), 0xAA, np.uint8)
-    orvane.convert(src[:, 2:7], "y8", out=canvas[:, 2:7])
-    assert (canvas[:, 2:7] == src[:, 2:7]).all() and (canvas[:, 7:] == 0xAA).all()
 
 
 @pytest.mark.parametrize("shape, dtype, depth, method, phase, output", [
@@ -165,12 +159,11 @@ def test_field_to_frame_matches_the_library(shape, fmt, method, parity):
     name = fmt or {2: "y8", 3: {2: "yuv422", 3: "bgr24", 4: "bgrx32"}.get(shape[-1])}[len(shape)]
     line = field[0].nbytes
     reference = np.zeros((2 * shape[0],) + shape[1:], field.dtype)
-    mem = memory(reference, tail=0)
     assert c_call("OVC_FieldToFrame", [(memory(field, tail=8), shape[1], shape[0], line, name),
-                                       (mem, shape[1], 2 * shape[0], line, name)],
+                                       (reference, shape[1], 2 * shape[0], line, name)],
                   FIELD_METHODS[method], parity == "even") == 0
-    np.testing.assert_array_equal(frame, mem.view(field.dtype).reshape(reference.shape))
-    interlaced = np.zeros((2 * shape[0],) + shape[1:], field.dtype)
+    np.testing.assert_array_equal(frame, reference)
+    interlaced = np.zeros_like(reference)
     interlaced[::2] = field
     np.testing.assert_array_equal(orvane.field_to_frame(interlaced[::2], method, parity, fmt), frame)
 
@@ -237,26 +230,15 @@ def test_formats_lists_what_convert_accepts():
         for to in FORMATS:
             try:
                 orvane.convert(image, to, source_format=source)
-                converted = True
+                assert to in FORMATS[source]["converts_to"], (source, to)
             except orvane.Error:
-                converted = False
-            assert converted == (to in FORMATS[source]["converts_to"]), (source, to)
+                assert to not in FORMATS[source]["converts_to"], (source, to)
     assert FORMATS["bay8"]["converts_to"] == ("rgb16", "bgrx32", "bgr16", "rgbx32", "bgr24")
 
 
 def test_two_threads_convert_at_once():
-    images = [random((256, 301, 3)) for _ in range(2)]
-    expected = [orvane.convert(image, "bgrx32") for image in images]
-    results = [[], []]
-
-    def work(index):
-        for _ in range(40):
-            results[index].append(orvane.convert(images[index], "bgrx32"))
-
-    threads = [threading.Thread(target=work, args=(i,)) for i in range(2)]
-    for thread in threads:
-        thread.start()
-    for thread in threads:
-        thread.join()
-    for index in range(2):
-        assert all(np.array_equal(r, expected[index]) for r in results[index])
+    images = [random((256, 301, 3)) for _ in range(2)] * 40
+    with ThreadPoolExecutor(2) as pool:
+        results = list(pool.map(lambda image: orvane.convert(image, "bgrx32"), images))
+    for image, result in zip(images, results):
+        np.testing.assert_array_equal(result, orvane.convert(image, "bgrx32"))
