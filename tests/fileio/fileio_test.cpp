@@ -1,8 +1,7 @@
 // File output: the byte-order writers, raw dumps, TIFF files (two golden
-// files byte for byte, larger ones read back by libtiff, the fragments the
-// writer leaves in an open stream), and both file writers' refusals and
-// faults: paths that cannot be opened, devices and pipes that fail mid-way
-// and file-size limits.
+// files byte for byte, larger ones read back by libtiff, the fragments left
+// in an open stream), and both file writers' refusals and faults: paths
+// that cannot be opened, failing devices and pipes, file-size limits.
 #include "support/test_image.h"
 
 #include <gtest/gtest.h>
@@ -11,7 +10,6 @@
 #include <fcntl.h>
 #include <signal.h>
 #include <sys/resource.h>
-#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -31,24 +29,20 @@ namespace {
 using orv_test::TestImage;
 using Bytes = std::vector<uint8_t>;
 
-// A path in the scratch directory, no file there yet.
+// A path in the scratch directory (made by the build), no file there yet.
 std::string scratch_path(const std::string &name) {
-    ::mkdir(ORV_SCRATCH_DIR, 0777); // its parent is made by the build
     const std::string path = std::string(ORV_SCRATCH_DIR) + "/" + name;
     std::remove(path.c_str());
     return path;
 }
-
-bool file_exists(const std::string &path) { return ::access(path.c_str(), F_OK) == 0; }
 
 Bytes read_file(const std::string &path) {
     std::ifstream in(path, std::ios::binary);
     return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
 }
 
-// The exit code of `child` run in a forked process (which leaves by
-// _exit, flushing nothing, unless it exits itself), `parent` running
-// meanwhile; -1 if it did not exit.
+// The exit code of `child` run in a forked process, which leaves by _exit
+// (flushing nothing) unless it exits itself; -1 if it did not exit.
 int exit_code_of(const std::function<int()> &child,
                  const std::function<void()> &parent = [] {}) {
     const pid_t pid = fork();
@@ -79,14 +73,12 @@ TEST(ByteOrderWriters, PutTheirBytesInOrderAndReturnTheLast) {
     FILE *read_only = std::fopen("/dev/null", "rb");
     ASSERT_NE(read_only, nullptr);
     for (const auto &c : cases) {
-        FILE *f = std::tmpfile();
+        const std::string path = scratch_path("bytes.bin");
+        FILE *f = std::fopen(path.c_str(), "wb");
         ASSERT_NE(f, nullptr);
         EXPECT_EQ(c.writer(f, c.value), c.expected.back()) << c.name;
-        std::rewind(f);
-        Bytes got(16);
-        got.resize(std::fread(got.data(), 1, got.size(), f));
-        EXPECT_EQ(got, c.expected) << c.name;
         std::fclose(f);
+        EXPECT_EQ(read_file(path), c.expected) << c.name;
         EXPECT_EQ(c.writer(read_only, c.value), EOF) << c.name;
     }
     std::fclose(read_only);
@@ -149,10 +141,10 @@ const std::string kColourFile(
     "\x00\x00\x00\x01\x00\x00\x01\x2c\x00\x00\x00\x01\x00\x01\x02\x03"
     "\x04\x10\x11\x12\x13\x14\x20\x21\x22\x23\x24", 219);
 
-const Bytes &golden(uint32_t format) {
-    static const Bytes grey(kGreyFile.begin(), kGreyFile.end());
-    static const Bytes colour(kColourFile.begin(), kColourFile.end());
-    return format == ORV_FORMAT_BGR24 || format == ORV_FORMAT_RGB24 ? colour : grey;
+Bytes golden(uint32_t format) {
+    const bool colour = format == ORV_FORMAT_BGR24 || format == ORV_FORMAT_RGB24;
+    return colour ? Bytes(kColourFile.begin(), kColourFile.end())
+                  : Bytes(kGreyFile.begin(), kGreyFile.end());
 }
 
 // The 5 x 3 image of the golden files, in `format`.
@@ -244,12 +236,11 @@ TEST(TiffFile, LargeFilesReadBackWithLibtiff) {
     }
 }
 
-// The formats the writer does not finish give their status and leave the
-// stream open: the file is empty until the process exits (else the child
-// exits with 99), then holds the fragment. RGB24 ends after
-// BitsPerSample's tag and type, with 14 entries declared; Y16 after its
-// StripByteCounts value (5 x 3), with 13 declared, BitsPerSample 16 and
-// StripOffsets never patched.
+// Formats the writer does not finish leave the stream open: the file is
+// empty until the process exits (else the child exits with 99), then holds
+// the fragment. RGB24 ends after BitsPerSample's tag and type, 14 entries
+// declared; Y16 after its StripByteCounts value (5 x 3), 13 declared,
+// BitsPerSample 16 and StripOffsets never patched.
 TEST(TiffFile, UnfinishedFormatsLeaveTheirFragmentInAnOpenStream) {
     struct Fragment {
         uint32_t format;
@@ -272,7 +263,8 @@ TEST(TiffFile, UnfinishedFormatsLeaveTheirFragmentInAnOpenStream) {
                   }),
                   int(f.status))
             << std::hex << f.format;
-        Bytes expected(golden(f.format).begin(), golden(f.format).begin() + long(f.size));
+        Bytes expected = golden(f.format);
+        expected.resize(f.size);
         if (f.format == ORV_FORMAT_Y16) {
             expected[55] = 16;
             std::fill(expected.begin() + 90, expected.begin() + 94, 0);
@@ -305,8 +297,7 @@ constexpr uint32_t Y8 = ORV_FORMAT_Y8, BGR24 = ORV_FORMAT_BGR24;
 constexpr rlim_t kNoLimit = RLIM_INFINITY;
 constexpr long kNoFile = -1;
 constexpr ORV_STATUS kBad = ORV_ERROR_BAD_PARAM, kOpenFailed = ORV_ERROR_OPEN_FAILED;
-constexpr ORV_STATUS kWriteFailed = ORV_ERROR_WRITE_FAILED;
-constexpr ORV_STATUS kCloseFailed = ORV_ERROR_CLOSE_FAILED;
+constexpr ORV_STATUS kWriteFailed = ORV_ERROR_WRITE_FAILED, kCloseFailed = ORV_ERROR_CLOSE_FAILED;
 
 // Bytes the file holds are the start of the whole file when the stop
 // falls past a TIFF header (204 bytes at most); one inside the header
@@ -422,7 +413,7 @@ TEST(FileWriters, RefusalsAndFaultsGiveTheirStatusAndLeaveOnlyAFailedTiffStreamO
         EXPECT_EQ(code % 32, int(f.status));
         EXPECT_EQ(code / 32, f.left_open);
         if (f.target != file && f.target != null_path) continue;
-        EXPECT_EQ(file_exists(path), f.file_size != kNoFile);
+        EXPECT_EQ(::access(path.c_str(), F_OK) == 0, f.file_size != kNoFile);
         if (f.file_size > 0 && (f.call == raw || f.file_size > kTiffHeader)) {
             const std::string whole = scratch_path("whole.out");
             ASSERT_EQ(write(whole.c_str()), ORV_OK);
