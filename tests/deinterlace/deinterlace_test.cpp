@@ -1,8 +1,7 @@
 // Field-to-frame de-interlacing: the median of six against a sort, whole
 // frames of every method against checksums recorded when they agreed with
-// a byte-by-byte model of the line shapes (the field and the frame ending
-// at an inaccessible page where the lines stop reading and writing), the
-// worked values, and every refusal (nothing written).
+// a byte-by-byte model of the line shapes, the worked values, and every
+// refusal (nothing written).
 #include "support/field_lines.h"
 #include "support/guarded_bytes.h"
 #include "support/test_image.h"

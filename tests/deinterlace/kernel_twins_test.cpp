@@ -1,9 +1,8 @@
 // Every vector twin of a line pair (a field line's copy and the filled
-// line after it) against the plain pair, byte for byte, at every level up
-// to the one in use, over strides 0 to 70 (every short shape, one whole
-// vector step and the tails after it) and a few long ones, the field lines
-// and the output ending at an inaccessible page where the plain pair stops;
-// and the median lines of every level against median_of_six.
+// line after it) against the plain pair at every level up to the one in
+// use, over strides 0 to 70 and a few long ones, the field and the output
+// ending at an inaccessible page where the plain pair stops; and the
+// median lines of every level against median_of_six.
 #include "deinterlace/byte_lines.h"
 #include "deinterlace/kernels.h"
 #include "support/field_lines.h"
@@ -25,8 +24,7 @@ const DeinterlaceKernels *const by_level[orv::kSimdLevels] =
     ORV_TABLES_BY_LEVEL(deinterlace_kernels);
 
 // The `written` bytes from the copy's start (over a pattern) and how far
-// `pair` moves on. The longest field: a line of 4097 bytes and the 4098 a
-// YUV 4:2:2 line reads below it.
+// `pair` moves on; the field is at most 4097 bytes and the 4098 read below.
 std::pair<Bytes, uintptr_t> fill(orv::deinterlace::LinePair pair, const Bytes &field,
                                  uint32_t stride, size_t written) {
     static orv_test::GuardedBytes in(4097 + 4098), out(4097 + 4098);
@@ -63,11 +61,10 @@ TEST(FilledLineTwins, WriteExactlyThePlainLinesBytes) {
         }
 }
 
-// Every 6-tuple over {0, 1, 2, 127, 254, 255} (every order, every tie
-// pattern, both parities of the middle pair's sum, the ends of the byte
-// range) and random tuples, laid out so that byte 3k + 1 of a Y8 line sees
-// tuple k as its neighbourhood; every inner byte of the line is checked,
-// so the mixed neighbourhoods between tuples count too.
+// Every 6-tuple over {0, 1, 2, 127, 254, 255} (every order and tie
+// pattern, both parities of the middle pair's sum) and random tuples, laid
+// out so that byte 3k + 1 of a Y8 line sees tuple k as its neighbourhood;
+// every inner byte is checked, the mixed neighbourhoods between tuples too.
 TEST(FilledLineTwins, MedianLinesGiveTheMedianOfSixOfEveryNeighbourhood) {
     const uint8_t values[] = {0, 1, 2, 127, 254, 255};
     Bytes above, below;

@@ -19,6 +19,7 @@
 #include <fstream>
 #include <functional>
 #include <iterator>
+#include <tuple>
 
 #ifdef ORV_HAVE_LIBTIFF
 #include <tiffio.h>
@@ -90,9 +91,8 @@ TEST(RawFile, HoldsHeightTimesStrideBytesAWrapping32BitProduct) {
     struct Case {
         uint32_t width, height, stride;
     };
-    const Case cases[] = {{4, 3, 4},  {5, 2, 8},  {3, 0, 8},
-                          {0, 3, 0},  {1, 1, 1},  {7, 5, 13},
-                          {16, 0x10001u, 0x10000u}};
+    const Case cases[] = {{4, 3, 4}, {5, 2, 8},  {3, 0, 8}, {0, 3, 0},
+                          {1, 1, 1}, {7, 5, 13}, {16, 0x10001u, 0x10000u}};
     for (const auto &c : cases) {
         const uint32_t count = c.stride * c.height;
         // At least one byte, so an empty image still has an address.
@@ -217,12 +217,10 @@ TEST(TiffFile, LargeFilesReadBackWithLibtiff) {
         TIFFGetField(tiff, TIFFTAG_BITSPERSAMPLE, &bits);
         TIFFGetField(tiff, TIFFTAG_SAMPLESPERPIXEL, &samples);
         TIFFGetField(tiff, TIFFTAG_PHOTOMETRIC, &photometric);
-        EXPECT_EQ(width, c.width);
-        EXPECT_EQ(height, c.height);
-        EXPECT_EQ(rows_per_strip, c.height);
-        EXPECT_EQ(bits, 8);
-        EXPECT_EQ(samples, colour ? 3 : 1);
-        EXPECT_EQ(photometric, colour ? PHOTOMETRIC_RGB : PHOTOMETRIC_MINISBLACK);
+        const uint16_t kind = colour ? PHOTOMETRIC_RGB : PHOTOMETRIC_MINISBLACK;
+        EXPECT_EQ(std::make_tuple(width, height, rows_per_strip, bits, samples, photometric),
+                  std::make_tuple(c.width, c.height, c.height, uint16_t(8),
+                                  uint16_t(colour ? 3 : 1), kind));
         Bytes strip(size_t(TIFFStripSize(tiff)));
         const tmsize_t got = TIFFReadRawStrip(tiff, 0, strip.data(), tmsize_t(strip.size()));
         strip.resize(size_t(std::max<tmsize_t>(0, got)));
@@ -256,10 +254,9 @@ TEST(TiffFile, UnfinishedFormatsLeaveTheirFragmentInAnOpenStream) {
     for (const auto &f : fragments) {
         SmallImage image(f.format);
         const std::string path = scratch_path("fragment.tif");
-        EXPECT_EQ(exit_code_of([&] {
+        EXPECT_EQ(exit_code_of([&]() -> int {
                       const ORV_STATUS status = OVC_FileWriteTiff(image.handle(), path.c_str());
                       std::exit(read_file(path).empty() ? int(status) : 99);
-                      return 0;
                   }),
                   int(f.status))
             << std::hex << f.format;
@@ -299,11 +296,6 @@ constexpr long kNoFile = -1;
 constexpr ORV_STATUS kBad = ORV_ERROR_BAD_PARAM, kOpenFailed = ORV_ERROR_OPEN_FAILED;
 constexpr ORV_STATUS kWriteFailed = ORV_ERROR_WRITE_FAILED, kCloseFailed = ORV_ERROR_CLOSE_FAILED;
 
-// Bytes the file holds are the start of the whole file when the stop
-// falls past a TIFF header (204 bytes at most); one inside the header
-// leaves the offsets patched in at the stream's position there.
-constexpr long kTiffHeader = 204;
-
 std::string path_of(Target target) {
     switch (target) {
     case missing_dir: return "/nonexistent-orvane-dir/" + std::string(600, 'p') + ".out";
@@ -323,16 +315,6 @@ int open_descriptors() {
     while (readdir(dir) != nullptr) ++count;
     closedir(dir);
     return count;
-}
-
-// Takes one read of up to 4 KiB from the FIFO, then closes it while the
-// writer still has bytes to send.
-void read_a_little(const std::string &path) {
-    const int fd = open(path.c_str(), O_RDONLY);
-    ASSERT_GE(fd, 0);
-    char chunk[4096];
-    EXPECT_GE(read(fd, chunk, sizeof chunk), 0);
-    close(fd);
 }
 
 // Each call runs in a child that ignores SIGPIPE and SIGXFSZ, so a failing
@@ -408,13 +390,21 @@ TEST(FileWriters, RefusalsAndFaultsGiveTheirStatusAndLeaveOnlyAFailedTiffStreamO
                 const ORV_STATUS status = write(f.target == null_path ? nullptr : path.c_str());
                 return int(status) + 32 * (open_descriptors() - before);
             },
-            [&] { if (f.target == fifo) read_a_little(path); });
+            [&] {
+                if (f.target != fifo) return;
+                const int fd = open(path.c_str(), O_RDONLY);
+                char chunk[4096];
+                EXPECT_GE(read(fd, chunk, sizeof chunk), 0);
+                close(fd);
+            });
         ASSERT_NE(code, -1);
         EXPECT_EQ(code % 32, int(f.status));
         EXPECT_EQ(code / 32, f.left_open);
         if (f.target != file && f.target != null_path) continue;
         EXPECT_EQ(::access(path.c_str(), F_OK) == 0, f.file_size != kNoFile);
-        if (f.file_size > 0 && (f.call == raw || f.file_size > kTiffHeader)) {
+        // A file cut short past a TIFF header (204 bytes at most) is the start
+        // of the whole file; one cut inside it has offsets patched in there.
+        if (f.file_size > 0 && (f.call == raw || f.file_size > 204)) {
             const std::string whole = scratch_path("whole.out");
             ASSERT_EQ(write(whole.c_str()), ORV_OK);
             Bytes start = read_file(whole);
