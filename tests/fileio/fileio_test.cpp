@@ -334,7 +334,7 @@ TEST(FileWriters, RefusalsAndFaultsGiveTheirStatusAndLeaveOnlyAFailedTiffStreamO
         long file_size; // bytes in the file afterwards, or kNoFile
     };
     const Fault faults[] = {
-        // Refusals.
+        // Refusals (no file made), then paths that cannot be opened.
         {0, file, Y8, 4, 2, kNoLimit, keep, ORV_ERROR_NOT_SUPPORTED, 0, kNoFile},
         {1, file, Y8, 4, 2, kNoLimit, keep, ORV_ERROR_NOT_SUPPORTED, 0, kNoFile},
         {4, file, Y8, 4, 2, kNoLimit, keep, ORV_ERROR_NOT_SUPPORTED, 0, kNoFile},
