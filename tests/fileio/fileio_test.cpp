@@ -1,20 +1,25 @@
-// File output: the byte-order writers, raw dumps with their fault paths,
-// and TIFF files: two golden files byte for byte, larger ones read back
-// by libtiff, and the fragments that the writer leaves open (read back
-// after the writing process has exited). Files cut short by a device are
-// in fault_test.cpp.
-#include "fileio/scratch.h"
+// File output: the byte-order writers, raw dumps, TIFF files (two golden
+// files byte for byte, larger ones read back by libtiff, the fragments left
+// in an open stream), and both file writers' refusals and faults: paths
+// that cannot be opened, failing devices and pipes, file-size limits.
 #include "support/test_image.h"
 
 #include <gtest/gtest.h>
 
+#include <dirent.h>
+#include <fcntl.h>
+#include <signal.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <fstream>
 #include <functional>
+#include <iterator>
+#include <tuple>
 
 #ifdef ORV_HAVE_LIBTIFF
 #include <tiffio.h>
@@ -22,23 +27,43 @@
 
 namespace {
 
-using orv_test::file_exists;
-using orv_test::read_file;
-using orv_test::scratch_path;
 using orv_test::TestImage;
 using Bytes = std::vector<uint8_t>;
 
-// ---- Byte-order writers ------------------------------------------------------
+// A path in the scratch directory (made by the build), no file there yet.
+std::string scratch_path(const std::string &name) {
+    const std::string path = std::string(ORV_SCRATCH_DIR) + "/" + name;
+    std::remove(path.c_str());
+    return path;
+}
 
-struct WriterCase {
-    const char *name;
-    int (*writer)(FILE *, uint32_t);
-    uint32_t value;
-    Bytes expected;
-};
+Bytes read_file(const std::string &path) {
+    std::ifstream in(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+}
 
+// The exit code of `child` run in a forked process, which leaves by _exit
+// (flushing nothing) unless it exits itself; -1 if it did not exit.
+int exit_code_of(const std::function<int()> &child,
+                 const std::function<void()> &parent = [] {}) {
+    const pid_t pid = fork();
+    if (pid == 0) _exit(child());
+    parent();
+    int wait_status = 0;
+    waitpid(pid, &wait_status, 0);
+    return WIFEXITED(wait_status) ? WEXITSTATUS(wait_status) : -1;
+}
+
+// Each writer returns its last putc's result: the last byte, or EOF when
+// the stream takes no bytes.
 TEST(ByteOrderWriters, PutTheirBytesInOrderAndReturnTheLast) {
-    const WriterCase cases[] = {
+    struct Case {
+        const char *name;
+        int (*writer)(FILE *, uint32_t);
+        uint32_t value;
+        Bytes expected;
+    };
+    const Case cases[] = {
         {"ui32m", OVC_fput_ui32m, 0x11223344u, {0x11, 0x22, 0x33, 0x44}},
         {"ui32i", OVC_fput_ui32i, 0x11223344u, {0x44, 0x33, 0x22, 0x11}},
         {"ui16m", OVC_fput_ui16m, 0x12345u, {0x23, 0x45}},
@@ -46,102 +71,40 @@ TEST(ByteOrderWriters, PutTheirBytesInOrderAndReturnTheLast) {
         {"ui8", OVC_fput_ui8, 0x1FFu, {0xFF}},
         {"ui32m high", OVC_fput_ui32m, 0xFF0000FEu, {0xFF, 0x00, 0x00, 0xFE}},
     };
+    FILE *read_only = std::fopen("/dev/null", "rb");
+    ASSERT_NE(read_only, nullptr);
     for (const auto &c : cases) {
-        FILE *f = std::tmpfile();
+        const std::string path = scratch_path("bytes.bin");
+        FILE *f = std::fopen(path.c_str(), "wb");
         ASSERT_NE(f, nullptr);
         EXPECT_EQ(c.writer(f, c.value), c.expected.back()) << c.name;
-        std::rewind(f);
-        Bytes got(16);
-        got.resize(std::fread(got.data(), 1, got.size(), f));
-        EXPECT_EQ(got, c.expected) << c.name;
         std::fclose(f);
+        EXPECT_EQ(read_file(path), c.expected) << c.name;
+        EXPECT_EQ(c.writer(read_only, c.value), EOF) << c.name;
     }
+    std::fclose(read_only);
 }
 
-TEST(ByteOrderWriters, ReturnEofWhenTheLastByteCannotBeWritten) {
-    FILE *f = std::fopen("/dev/null", "rb");
-    ASSERT_NE(f, nullptr);
-    for (auto writer : {OVC_fput_ui32m, OVC_fput_ui32i, OVC_fput_ui16m,
-                        OVC_fput_ui16i, OVC_fput_ui8})
-        EXPECT_EQ(writer(f, 0x01020304u), EOF);
-    std::fclose(f);
-}
-
-// ---- Raw dumps ------------------------------------------------------------------
-
-struct RawCase {
-    uint32_t width, height, stride;
-};
-
-TEST(RawFile, HoldsHeightTimesStrideBytesPaddingIncluded) {
-    const RawCase cases[] = {{4, 3, 4}, {5, 2, 8}, {3, 0, 8}, {0, 3, 0},
-                             {1, 1, 1}, {7, 5, 13}};
+// A raw dump is height x stride bytes, padding included, counted in 32
+// bits: 0x10001 lines of 0x10000 bytes wrap to 0x10000 bytes.
+TEST(RawFile, HoldsHeightTimesStrideBytesAWrapping32BitProduct) {
+    struct Case {
+        uint32_t width, height, stride;
+    };
+    const Case cases[] = {{4, 3, 4}, {5, 2, 8},  {3, 0, 8}, {0, 3, 0},
+                          {1, 1, 1}, {7, 5, 13}, {16, 0x10001u, 0x10000u}};
     for (const auto &c : cases) {
+        const uint32_t count = c.stride * c.height;
         // At least one byte, so an empty image still has an address.
-        const size_t size = std::max<size_t>(size_t(c.stride) * c.height, 1);
-        TestImage image(ORV_FORMAT_Y8, c.width, c.height, c.stride, size);
+        TestImage image(ORV_FORMAT_Y8, c.width, c.height, c.stride, std::max(count, 1u));
         const Bytes pixels = orv_test::random_bytes(image.size(), c.stride);
         std::copy(pixels.begin(), pixels.end(), image.data());
         const std::string path = scratch_path("raw.bin");
-        EXPECT_EQ(OVC_FileWrite(image.handle(), path.c_str(), OVC_FILE_RAW),
-                  ORV_OK);
-        EXPECT_EQ(read_file(path),
-                  Bytes(pixels.begin(),
-                        pixels.begin() + size_t(c.stride) * c.height))
+        EXPECT_EQ(OVC_FileWrite(image.handle(), path.c_str(), OVC_FILE_RAW), ORV_OK);
+        EXPECT_EQ(read_file(path), Bytes(pixels.begin(), pixels.begin() + count))
             << c.width << "x" << c.height << " stride " << c.stride;
     }
 }
-
-TEST(RawFile, ByteCountIsAWrapping32BitProduct) {
-    // 0x10001 lines of 0x10000 bytes: the product wraps to 0x10000.
-    TestImage image(ORV_FORMAT_Y8, 16, 0x10001u, 0x10000u, 0x10000u);
-    const Bytes pixels = orv_test::random_bytes(image.size(), 7);
-    std::copy(pixels.begin(), pixels.end(), image.data());
-    const std::string path = scratch_path("wrapped.bin");
-    EXPECT_EQ(OVC_FileWrite(image.handle(), path.c_str(), OVC_FILE_RAW), ORV_OK);
-    EXPECT_EQ(read_file(path), pixels);
-}
-
-// The open-failure message quotes the path; one far longer than the
-// message buffer must be cut short, not overrun it.
-const std::string kLongMissingPath =
-    "/nonexistent-orvane-dir/" + std::string(600, 'p') + ".out";
-
-struct RawFault {
-    const char *what;
-    uint32_t file_type;
-    const char *path; // null: a fresh scratch file
-    void (*spoil)(TestImage &);
-    ORV_STATUS status;
-};
-
-TEST(RawFile, FaultsGiveTheirStatuses) {
-    auto keep = [](TestImage &) {};
-    const RawFault faults[] = {
-        {"type 0", 0, nullptr, keep, ORV_ERROR_NOT_SUPPORTED},
-        {"type 1", 1, nullptr, keep, ORV_ERROR_NOT_SUPPORTED},
-        {"type 4", 4, nullptr, keep, ORV_ERROR_NOT_SUPPORTED},
-        {"invalid buffer", 4, nullptr,
-         [](TestImage &i) { i.set_pointer(OFS_BUFFER_VALID, 0); },
-         ORV_ERROR_BAD_PARAM},
-        {"null address", OVC_FILE_RAW, nullptr,
-         [](TestImage &i) { i.set_pointer(OFS_START_ADDR, 0); },
-         ORV_ERROR_BAD_PARAM},
-        {"path longer than the message", OVC_FILE_RAW, kLongMissingPath.c_str(),
-         keep, ORV_ERROR_OPEN_FAILED},
-    };
-    for (const auto &f : faults) {
-        TestImage image(ORV_FORMAT_Y8, 4, 2, 8);
-        f.spoil(image);
-        const std::string path = f.path ? f.path : scratch_path("fault.raw");
-        EXPECT_EQ(OVC_FileWrite(image.handle(), path.c_str(), f.file_type),
-                  f.status)
-            << f.what;
-        EXPECT_FALSE(file_exists(path)) << f.what;
-    }
-}
-
-// ---- TIFF files -------------------------------------------------------------------
 
 // Two finished files as the writer lays them out, big-endian, one strip:
 // a 5 x 3 Y8 image at stride 10 (13 entries, the strip at 186) and a
@@ -178,10 +141,10 @@ const std::string kColourFile(
     "\x00\x00\x00\x01\x00\x00\x01\x2c\x00\x00\x00\x01\x00\x01\x02\x03"
     "\x04\x10\x11\x12\x13\x14\x20\x21\x22\x23\x24", 219);
 
-const Bytes &golden(uint32_t format) {
-    static const Bytes grey(kGreyFile.begin(), kGreyFile.end());
-    static const Bytes colour(kColourFile.begin(), kColourFile.end());
-    return format == ORV_FORMAT_BGR24 || format == ORV_FORMAT_RGB24 ? colour : grey;
+Bytes golden(uint32_t format) {
+    const bool colour = format == ORV_FORMAT_BGR24 || format == ORV_FORMAT_RGB24;
+    return colour ? Bytes(kColourFile.begin(), kColourFile.end())
+                  : Bytes(kGreyFile.begin(), kGreyFile.end());
 }
 
 // The 5 x 3 image of the golden files, in `format`.
@@ -189,7 +152,8 @@ struct SmallImage : TestImage {
     explicit SmallImage(uint32_t format, uint32_t stride = 16)
         : TestImage(format, 5, 3, stride, 3 * stride, 0xEE) {
         for (uint32_t y = 0; y < 3; ++y)
-            for (uint32_t x = 0; x < std::min(stride, 15u); ++x) (*this)[y * stride + x] = uint8_t(16 * y + x);
+            for (uint32_t x = 0; x < std::min(stride, 15u); ++x)
+                (*this)[y * stride + x] = uint8_t(16 * y + x);
     }
 };
 
@@ -205,50 +169,15 @@ TEST(TiffFile, SmallFilesMatchTheGoldenBytes) {
     }
 }
 
-uint32_t big_endian_u16(const Bytes &file, size_t offset) {
-    return uint32_t(file[offset]) << 8 | file[offset + 1];
-}
-
-#ifdef ORV_HAVE_LIBTIFF
-// What libtiff reads back: the tags that describe the image, and the
-// strip.
-struct ReadBack {
-    uint32_t width = 0, height = 0, rows_per_strip = 0;
-    uint16_t bits = 0, samples = 0, photometric = 0;
-    Bytes strip;
-};
-
-ReadBack read_back(const std::string &path) {
-    // BGR24 strips are shorter than their StripByteCounts, which libtiff
-    // would report on stderr.
-    TIFFSetWarningHandler(nullptr);
-    TIFFSetErrorHandler(nullptr);
-    ReadBack r;
-    TIFF *tiff = TIFFOpen(path.c_str(), "rc"); // c: the strip as written, not chopped
-    if (!tiff) return r;
-    TIFFGetField(tiff, TIFFTAG_IMAGEWIDTH, &r.width);
-    TIFFGetField(tiff, TIFFTAG_IMAGELENGTH, &r.height);
-    TIFFGetField(tiff, TIFFTAG_ROWSPERSTRIP, &r.rows_per_strip);
-    TIFFGetField(tiff, TIFFTAG_BITSPERSAMPLE, &r.bits);
-    TIFFGetField(tiff, TIFFTAG_SAMPLESPERPIXEL, &r.samples);
-    TIFFGetField(tiff, TIFFTAG_PHOTOMETRIC, &r.photometric);
-    r.strip.resize(size_t(TIFFStripSize(tiff)));
-    r.strip.resize(size_t(std::max<tmsize_t>(0, TIFFReadRawStrip(tiff, 0, r.strip.data(), tmsize_t(r.strip.size())))));
-    TIFFClose(tiff);
-    return r;
-}
-#endif
-
-struct TiffCase {
-    uint32_t format, width, height, stride;
-};
-
 // Larger files, many stream buffers long, lines back to back and padded:
-// libtiff reads them back, and the strip holds each line's first W bytes.
-// Sizes of 2^16 and more go into the 16-bit width and height fields cut
-// to their low bits, which libtiff cannot read, so only those are checked.
+// the strip holds each line's first W bytes. Sizes of 2^16 and more go
+// into the 16-bit width and height fields cut to their low bits, which
+// libtiff cannot read, so only those are checked.
 TEST(TiffFile, LargeFilesReadBackWithLibtiff) {
-    const TiffCase cases[] = {
+    struct Case {
+        uint32_t format, width, height, stride;
+    };
+    const Case cases[] = {
         {ORV_FORMAT_Y8, 1920, 1080, 1920}, {ORV_FORMAT_Y8, 1000, 7, 1000},
         {ORV_FORMAT_Y8, 641, 9, 700},      {ORV_FORMAT_BGR24, 1920, 540, 5760},
         {ORV_FORMAT_Y8, 3, 0, 4},          {ORV_FORMAT_Y8, 70000, 1, 70000},
@@ -261,62 +190,61 @@ TEST(TiffFile, LargeFilesReadBackWithLibtiff) {
         const std::string path = scratch_path("large.tif");
         ASSERT_EQ(OVC_FileWriteTiff(image.handle(), path.c_str()), ORV_OK);
         const bool colour = c.format == ORV_FORMAT_BGR24;
-        const size_t header = colour ? 204 : 186;
         Bytes lines;
-        for (uint32_t y = 0; y < c.height; ++y)
-            lines.insert(lines.end(), pixels.begin() + size_t(y) * c.stride,
-                         pixels.begin() + size_t(y) * c.stride + c.width);
+        for (uint32_t y = 0; y < c.height; ++y) {
+            const auto line = pixels.begin() + long(y) * c.stride;
+            lines.insert(lines.end(), line, line + c.width);
+        }
         const Bytes file = read_file(path);
+        const size_t header = colour ? 204 : 186;
         ASSERT_EQ(file.size(), header + lines.size()) << c.width;
-        EXPECT_EQ(Bytes(file.begin(), file.begin() + 8), Bytes(golden(c.format).begin(), golden(c.format).begin() + 8));
         EXPECT_EQ(Bytes(file.begin() + long(header), file.end()), lines) << c.width;
-        EXPECT_EQ(big_endian_u16(file, 30), c.width & 0xFFFF) << c.width;
-        EXPECT_EQ(big_endian_u16(file, 42), c.height & 0xFFFF) << c.width;
+        EXPECT_EQ(uint32_t(file[30] << 8 | file[31]), c.width & 0xFFFF) << c.width;
+        EXPECT_EQ(uint32_t(file[42] << 8 | file[43]), c.height & 0xFFFF) << c.width;
         if (c.width > 0xFFFF || c.height == 0) continue;
 #ifdef ORV_HAVE_LIBTIFF
-        const ReadBack r = read_back(path);
-        EXPECT_EQ(r.width, c.width);
-        EXPECT_EQ(r.height, c.height);
-        EXPECT_EQ(r.rows_per_strip, c.height);
-        EXPECT_EQ(r.bits, 8);
-        EXPECT_EQ(r.samples, colour ? 3 : 1);
-        EXPECT_EQ(r.photometric, colour ? PHOTOMETRIC_RGB : PHOTOMETRIC_MINISBLACK);
+        // BGR24 strips are shorter than their StripByteCounts, which libtiff
+        // would report on stderr.
+        TIFFSetWarningHandler(nullptr);
+        TIFFSetErrorHandler(nullptr);
+        TIFF *tiff = TIFFOpen(path.c_str(), "rc"); // c: the strip as written, not chopped
+        ASSERT_NE(tiff, nullptr) << c.width;
+        uint32_t width = 0, height = 0, rows_per_strip = 0;
+        uint16_t bits = 0, samples = 0, photometric = 0;
+        TIFFGetField(tiff, TIFFTAG_IMAGEWIDTH, &width);
+        TIFFGetField(tiff, TIFFTAG_IMAGELENGTH, &height);
+        TIFFGetField(tiff, TIFFTAG_ROWSPERSTRIP, &rows_per_strip);
+        TIFFGetField(tiff, TIFFTAG_BITSPERSAMPLE, &bits);
+        TIFFGetField(tiff, TIFFTAG_SAMPLESPERPIXEL, &samples);
+        TIFFGetField(tiff, TIFFTAG_PHOTOMETRIC, &photometric);
+        const uint16_t kind = colour ? PHOTOMETRIC_RGB : PHOTOMETRIC_MINISBLACK;
+        EXPECT_EQ(std::make_tuple(width, height, rows_per_strip, bits, samples, photometric),
+                  std::make_tuple(c.width, c.height, c.height, uint16_t(8),
+                                  uint16_t(colour ? 3 : 1), kind));
+        Bytes strip(size_t(TIFFStripSize(tiff)));
+        const tmsize_t got = TIFFReadRawStrip(tiff, 0, strip.data(), tmsize_t(strip.size()));
+        strip.resize(size_t(std::max<tmsize_t>(0, got)));
         if (!colour) {
-            EXPECT_EQ(r.strip, lines) << c.width;
+            EXPECT_EQ(strip, lines) << c.width;
         }
+        TIFFClose(tiff);
 #else
         GTEST_SKIP() << "libtiff for this target is not installed: no read back";
 #endif
     }
 }
 
-// Runs `call` in a child process after `prepare` and returns the call's
-// status, the child's exit code. The child leaves by exit(), so a stream
-// a failing writer leaves open is flushed by the exit and not before; 99
-// if the file at `path` had any byte before that.
-int in_child(const std::function<void()> &prepare, const std::function<ORV_STATUS()> &call,
-             const std::string &path = "") {
-    const pid_t child = fork();
-    if (child == 0) {
-        prepare();
-        const ORV_STATUS status = call();
-        std::exit(!path.empty() && !read_file(path).empty() ? 99 : int(status));
-    }
-    int wait_status = 0;
-    waitpid(child, &wait_status, 0);
-    return WIFEXITED(wait_status) ? WEXITSTATUS(wait_status) : -1;
-}
-
-struct Fragment {
-    uint32_t format;
-    ORV_STATUS status;
-    size_t size; // the file ends here
-};
-
+// Formats the writer does not finish leave the stream open: the file is
+// empty until the process exits (else the child exits with 99), then holds
+// the fragment. RGB24 ends after BitsPerSample's tag and type, 14 entries
+// declared; Y16 after its StripByteCounts value (5 x 3), 13 declared,
+// BitsPerSample 16 and StripOffsets never patched.
 TEST(TiffFile, UnfinishedFormatsLeaveTheirFragmentInAnOpenStream) {
-    // RGB24 ends after BitsPerSample's tag and type, with 14 entries
-    // declared; Y16 after its StripByteCounts value (5 x 3), with 13
-    // declared, BitsPerSample 16 and StripOffsets never patched.
+    struct Fragment {
+        uint32_t format;
+        ORV_STATUS status;
+        size_t size; // the file ends here
+    };
     const Fragment fragments[] = {
         {ORV_FORMAT_RGB24, ORV_ERROR_BAD_PARAM, 50},
         {ORV_FORMAT_Y16, ORV_ERROR_BAD_PARAM, 130},
@@ -326,10 +254,14 @@ TEST(TiffFile, UnfinishedFormatsLeaveTheirFragmentInAnOpenStream) {
     for (const auto &f : fragments) {
         SmallImage image(f.format);
         const std::string path = scratch_path("fragment.tif");
-        EXPECT_EQ(in_child([] {}, [&] { return OVC_FileWriteTiff(image.handle(), path.c_str()); }, path),
+        EXPECT_EQ(exit_code_of([&]() -> int {
+                      const ORV_STATUS status = OVC_FileWriteTiff(image.handle(), path.c_str());
+                      std::exit(read_file(path).empty() ? int(status) : 99);
+                  }),
                   int(f.status))
             << std::hex << f.format;
-        Bytes expected(golden(f.format).begin(), golden(f.format).begin() + long(f.size));
+        Bytes expected = golden(f.format);
+        expected.resize(f.size);
         if (f.format == ORV_FORMAT_Y16) {
             expected[55] = 16;
             std::fill(expected.begin() + 90, expected.begin() + 94, 0);
@@ -338,25 +270,149 @@ TEST(TiffFile, UnfinishedFormatsLeaveTheirFragmentInAnOpenStream) {
     }
 }
 
-TEST(TiffFile, Refusals) {
-    struct Refusal {
-        const char *what;
-        const char *path; // null: a fresh scratch file
-        void (*spoil)(TestImage &);
+// The call of a row: OVC_FileWriteTiff, or OVC_FileWrite of a file type.
+constexpr uint32_t tiff = ~0u, raw = OVC_FILE_RAW;
+
+enum Target {
+    null_path,
+    missing_dir, // a path longer than the open-failure message, which cuts it short
+    full_device, // /dev/full: every write fails with ENOSPC
+    fifo,        // a FIFO whose reader takes 4 KiB and closes
+    file,        // a fresh file in the scratch directory
+};
+
+enum Spoil { keep, invalid, null_address, no_format };
+
+// Y8 lines of 512 bytes. One line fits the stream's buffer and goes out
+// at the close; 512 lines go out at once, in the raw writer's fwrite.
+// TIFF pixel bytes go out as putc puts them: a byte that finds the
+// stream's buffer (4096 bytes here) full flushes it, or is dropped with it
+// when the device refuses; the close reports the bytes left in the buffer
+// that it cannot write.
+constexpr uint32_t kLine = 512, kShort = 1, kLong = 512;
+constexpr uint32_t Y8 = ORV_FORMAT_Y8, BGR24 = ORV_FORMAT_BGR24;
+constexpr rlim_t kNoLimit = RLIM_INFINITY;
+constexpr long kNoFile = -1;
+constexpr ORV_STATUS kBad = ORV_ERROR_BAD_PARAM, kOpenFailed = ORV_ERROR_OPEN_FAILED;
+constexpr ORV_STATUS kWriteFailed = ORV_ERROR_WRITE_FAILED, kCloseFailed = ORV_ERROR_CLOSE_FAILED;
+
+std::string path_of(Target target) {
+    switch (target) {
+    case missing_dir: return "/nonexistent-orvane-dir/" + std::string(600, 'p') + ".out";
+    case full_device: return "/dev/full";
+    case fifo: {
+        const std::string path = scratch_path("fault.fifo");
+        EXPECT_EQ(mkfifo(path.c_str(), 0600), 0);
+        return path;
+    }
+    default: return scratch_path("fault.out");
+    }
+}
+
+int open_descriptors() {
+    DIR *dir = opendir("/proc/self/fd");
+    int count = 0;
+    while (readdir(dir) != nullptr) ++count;
+    closedir(dir);
+    return count;
+}
+
+// Each call runs in a child that ignores SIGPIPE and SIGXFSZ, so a failing
+// write comes back as an error; its exit code carries the status (below
+// 32) and the descriptors the call left open (times 32): none, except the
+// stream a TIFF writer keeps when it fails after opening its file. A file
+// cut short keeps the start of the whole file; a refusal makes none.
+TEST(FileWriters, RefusalsAndFaultsGiveTheirStatusAndLeaveOnlyAFailedTiffStreamOpen) {
+    struct Fault {
+        uint32_t call;
+        Target target;
+        uint32_t format, width, height; // lines of width pixels, no padding
+        rlim_t size_limit; // RLIMIT_FSIZE of the child
+        Spoil spoil;
         ORV_STATUS status;
+        int left_open;  // descriptors the call leaves open
+        long file_size; // bytes in the file afterwards, or kNoFile
     };
-    auto keep = [](TestImage &) {};
-    const Refusal refusals[] = {
-        {"invalid buffer", nullptr, [](TestImage &i) { i.set_pointer(OFS_BUFFER_VALID, 0); }, ORV_ERROR_BAD_PARAM},
-        {"format zero", nullptr, [](TestImage &i) { i.set(OFS_FORMAT, 0); }, ORV_ERROR_BAD_PARAM},
-        {"path longer than the message", kLongMissingPath.c_str(), keep, ORV_ERROR_OPEN_FAILED},
+    const Fault faults[] = {
+        // Refusals (no file made), then paths that cannot be opened.
+        {0, file, Y8, 4, 2, kNoLimit, keep, ORV_ERROR_NOT_SUPPORTED, 0, kNoFile},
+        {1, file, Y8, 4, 2, kNoLimit, keep, ORV_ERROR_NOT_SUPPORTED, 0, kNoFile},
+        {4, file, Y8, 4, 2, kNoLimit, keep, ORV_ERROR_NOT_SUPPORTED, 0, kNoFile},
+        {4, file, Y8, 4, 2, kNoLimit, invalid, kBad, 0, kNoFile},
+        {raw, file, Y8, 4, 2, kNoLimit, null_address, kBad, 0, kNoFile},
+        {tiff, file, Y8, 4, 2, kNoLimit, invalid, kBad, 0, kNoFile},
+        {tiff, file, Y8, 4, 2, kNoLimit, no_format, kBad, 0, kNoFile},
+        {raw, null_path, Y8, kLine, kShort, kNoLimit, keep, kOpenFailed, 0, kNoFile},
+        {tiff, null_path, Y8, kLine, kShort, kNoLimit, keep, kOpenFailed, 0, kNoFile},
+        {raw, missing_dir, Y8, kLine, kShort, kNoLimit, keep, kOpenFailed, 0, kNoFile},
+        {tiff, missing_dir, Y8, kLine, kShort, kNoLimit, keep, kOpenFailed, 0, kNoFile},
+        // Raw: a long write fails in the fwrite, a buffered one at the close.
+        {raw, full_device, Y8, kLine, kLong, kNoLimit, keep, kWriteFailed, 0, kNoFile},
+        {raw, full_device, Y8, kLine, kShort, kNoLimit, keep, kCloseFailed, 0, kNoFile},
+        {raw, file, Y8, kLine, kLong, 1000, keep, kWriteFailed, 0, 1000},
+        {raw, file, Y8, kLine, kShort, 100, keep, kCloseFailed, 0, 100},
+        // A FIFO cannot tell its position: the first offset stops the file.
+        {tiff, fifo, Y8, kLine, kShort, kNoLimit, keep, kBad, 1, kNoFile},
+        {tiff, file, Y8, kLine, kShort, 100, keep, kCloseFailed, 0, 100},
+        {tiff, file, Y8, kLine, kLong, 100, keep, kCloseFailed, 0, 100},
+        {tiff, file, Y8, 1920, 1080, 100000, keep, kCloseFailed, 0, 100000},
+        {tiff, file, BGR24, 640, 480, 100000, keep, kCloseFailed, 0, 100000},
+        {tiff, full_device, Y8, kLine, kShort, kNoLimit, keep, kCloseFailed, 0, kNoFile},
+        {tiff, full_device, BGR24, 5, 3, kNoLimit, keep, kCloseFailed, 0, kNoFile},
+        {tiff, full_device, Y8, 1920, 1080, kNoLimit, keep, kCloseFailed, 0, kNoFile},
+        {tiff, full_device, BGR24, 1920, 540, kNoLimit, keep, kCloseFailed, 0, kNoFile},
+        {tiff, full_device, Y8, 16384, 2, kNoLimit, keep, kCloseFailed, 0, kNoFile},
+        // The last byte finds the buffer full and is dropped with it: the
+        // close has nothing left to write.
+        {tiff, full_device, Y8, 4097, 1, kNoLimit, keep, ORV_OK, 0, kNoFile},
     };
-    for (const auto &r : refusals) {
-        TestImage image(ORV_FORMAT_Y8, 4, 2, 4);
-        r.spoil(image);
-        const std::string path = r.path ? r.path : scratch_path("refused.tif");
-        EXPECT_EQ(OVC_FileWriteTiff(image.handle(), path.c_str()), r.status) << r.what;
-        EXPECT_FALSE(file_exists(path)) << r.what;
+    for (const auto &f : faults) {
+        SCOPED_TRACE(testing::Message() << "row " << (&f - faults));
+        TestImage image(f.format, f.width, f.height, f.width * (f.format == BGR24 ? 3 : 1));
+        const Bytes pixels = orv_test::random_bytes(image.size(), f.width);
+        std::copy(pixels.begin(), pixels.end(), image.data());
+        if (f.spoil == invalid) image.set_pointer(OFS_BUFFER_VALID, 0);
+        if (f.spoil == null_address) image.set_pointer(OFS_START_ADDR, 0);
+        if (f.spoil == no_format) image.set(OFS_FORMAT, 0);
+        const auto write = [&](const char *path) {
+            return f.call == tiff ? OVC_FileWriteTiff(image.handle(), path)
+                                  : OVC_FileWrite(image.handle(), path, f.call);
+        };
+        const std::string path = path_of(f.target);
+        const int code = exit_code_of(
+            [&] {
+                signal(SIGPIPE, SIG_IGN);
+                signal(SIGXFSZ, SIG_IGN);
+                const rlimit limit{f.size_limit, f.size_limit};
+                if (f.size_limit != kNoLimit && setrlimit(RLIMIT_FSIZE, &limit) != 0)
+                    return 255;
+                const int before = open_descriptors();
+                const ORV_STATUS status = write(f.target == null_path ? nullptr : path.c_str());
+                return int(status) + 32 * (open_descriptors() - before);
+            },
+            [&] {
+                if (f.target != fifo) return;
+                const int fd = open(path.c_str(), O_RDONLY);
+                char chunk[4096];
+                EXPECT_GE(read(fd, chunk, sizeof chunk), 0);
+                close(fd);
+            });
+        ASSERT_NE(code, -1);
+        EXPECT_EQ(code % 32, int(f.status));
+        EXPECT_EQ(code / 32, f.left_open);
+        if (f.target != file && f.target != null_path) continue;
+        EXPECT_EQ(::access(path.c_str(), F_OK) == 0, f.file_size != kNoFile);
+        // A file cut short past a TIFF header (204 bytes at most) is the start
+        // of the whole file; one cut inside it has offsets patched in there.
+        if (f.file_size > 0 && (f.call == raw || f.file_size > 204)) {
+            const std::string whole = scratch_path("whole.out");
+            ASSERT_EQ(write(whole.c_str()), ORV_OK);
+            Bytes start = read_file(whole);
+            start.resize(size_t(f.file_size));
+            EXPECT_EQ(read_file(path), start);
+        } else if (f.file_size != kNoFile) {
+            EXPECT_EQ(long(read_file(path).size()), f.file_size);
+        }
     }
 }
 
