@@ -1,11 +1,10 @@
-// Every conversion from a grey, Y12P or colour source, on two fixed
-// images, held against the CRC-32 of the whole destination as recorded
-// when every pair agreed with its formulas written out one by one: a
-// 5 x 3 image of random bytes with odd padding on both sides (row steps
-// counted in each format's unit, padding left alone), and a 60 x 2 image
-// of the byte values where shifts, flags and clamps change (0, 1, 0x0F,
-// 0x10, 0x7F, 0x80, 0x81, 0xF0, 0xFE, 0xFF). The destination starts as a
-// pattern, so X bytes and padding count too.
+// Every conversion from a grey, Y12P or colour source on two fixed images
+// against the CRC-32 of the whole destination, recorded when every pair
+// agreed with its formulas written out one by one: 5 x 3 random bytes with
+// odd padding on both sides (row steps in each format's unit, padding left
+// alone), and 60 x 2 of the values where shifts, flags and clamps change.
+// The destination starts as random bytes, so X bytes and padding count;
+// the formats' bytes above the low one vary, and must not matter.
 #include "support/test_image.h"
 
 #include <gtest/gtest.h>
@@ -37,16 +36,17 @@ constexpr Image kImages[] = {{5, 3, 3, 5, false}, {60, 2, 1, 3, true}};
 uint32_t checksum(uint32_t src, uint32_t dst, const Image &g, uint32_t seed) {
     const uint32_t src_stride = line_bytes(src, g.width) + g.src_padding;
     const uint32_t dst_stride = line_bytes(dst, g.width) + g.dst_padding;
+    static const uint32_t uppers[] = {0xC0022600u, 0, 0xABCDEF00u};
     // A line to spare on both sides: RGB30 into RGB48 reads the pixel
     // after the image, and odd Y12P widths drift by a pixel a line.
-    TestImage source(0xC0022600u | src, g.width, g.height, src_stride,
+    TestImage source(uppers[seed % 3] | src, g.width, g.height, src_stride,
                      size_t(src_stride) * (g.height + 1));
     Bytes samples = orv_test::random_bytes(source.size(), seed);
     static const uint8_t edge[] = {0, 1, 0x0F, 0x10, 0x7F, 0x80, 0x81, 0xF0, 0xFE, 0xFF};
     if (g.edge_values)
         for (auto &b : samples) b = edge[b % 10];
     std::copy(samples.begin(), samples.end(), source.data());
-    TestImage target(0xC0022600u | dst, g.width, g.height, dst_stride,
+    TestImage target(uppers[(seed + 1) % 3] | dst, g.width, g.height, dst_stride,
                      size_t(dst_stride) * (g.height + 1));
     const Bytes before = orv_test::random_bytes(target.size(), ~seed);
     std::copy(before.begin(), before.end(), target.data());
