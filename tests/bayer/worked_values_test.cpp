@@ -42,14 +42,11 @@ const Case kCases[] = {
     {"OVC_BAY8_to_BGRX32_dup_A", 6, 6, 8, {1, 0, 77}, 2, 0, kGreen, 77},
     {"OVC_BAY8_to_BGRX32_dup_A", 6, 6, 8, {0, 1, 77}, 0, 0, kGreen, 77},
     {"OVC_BAY8_to_BGRX32_dup_B", 6, 6, 8, {1, 1, 77}, 1, 0, kGreen, 77},
-    {"OVC_BAY8_to_BGRX32_dup_B", 6, 6, 8, {3, 1, 77}, 3, 0, kGreen, 77},
     {"OVC_BAY8_to_BGR24_dup_C", 6, 6, 8, {0, 0, 77}, 1, 0, kGreen, 77},
-    {"OVC_BAY8_to_BGR24_dup_C", 6, 6, 8, {2, 0, 77}, 3, 0, kGreen, 77},
     {"OVC_BAY8_to_BGRX32_dup_D", 6, 6, 8, {1, 0, 77}, 2, 0, kGreen, 77},
     {"OVC_BAY8_to_BGRX32_dup_D", 6, 6, 8, {0, 1, 77}, 0, 0, kGreen, 77},
     {"OVC_BAY8_to_RGBX32_dup_D", 6, 6, 8, {3, 0, 77}, 4, 0, kGreen, 77},
     {"OVC_BAY8_to_RGB16_dup_D", 6, 6, 8, {2, 1, 77}, 2, 0, kGreenField, 77 >> 2},
-    {"OVC_BAY8_to_RGB16_dup_D", 6, 6, 8, {4, 1, 77}, 4, 0, kGreenField, 77 >> 2},
     {"OVC_BAY8_to_RGB16_dup_A", 6, 6, 8, {1, 0, 77}, 2, 0, kGreenField, 77 >> 2},
     // dup, n-bit: the byte kept after the shift, bits above the depth
     // included; the RGB16 blue is not masked (depth 10, blue 0x0FFF: B
