@@ -118,12 +118,6 @@ const Case kCases[] = {
     {"OVC_BAY8_to_BGRX32_med_D", 4, 1, 8, {0, 2, 3}, 1, 3, kBlue, 3},
 };
 
-const DemosaicMember *member(const std::string &name) {
-    for (const DemosaicMember &m : kDemosaicMembers)
-        if (name == m.name) return &m;
-    return nullptr;
-}
-
 // Runs `c` at tight strides (the source a line and two samples longer than
 // read) into a destination preset to 0xEE and exactly as long as written:
 // dup writes one line at least, ave and med two.
@@ -159,8 +153,10 @@ uint32_t rendered(const DemosaicMember &m, const Case &c) {
 
 TEST(DemosaicWorkedValues, EveryNamedSite) {
     for (const Case &c : kCases) {
-        const DemosaicMember *m = member(c.member);
-        ASSERT_NE(m, nullptr) << c.member;
+        const DemosaicMember *m = std::find_if(
+            std::begin(kDemosaicMembers), std::end(kDemosaicMembers),
+            [&](const DemosaicMember &d) { return c.member == std::string(d.name); });
+        ASSERT_NE(m, std::end(kDemosaicMembers)) << c.member;
         EXPECT_EQ(rendered(*m, c), c.expected)
             << c.member << " " << c.width << " x " << c.height << " at (" << c.y << ", " << c.x
             << ") channel " << c.channel;

@@ -178,13 +178,11 @@ TEST(ConvertCapacity, EveryFormFitsExactlyAndWrapsAsStated) {
     }
 }
 
-// When the copy is taken and when the rows run instead. The copy needs
-// identical formats, equal strides and equal heights, skips the capacity
-// test (a source wider than its stride still copies) and copies height x
-// stride bytes formed in 32 bits, so 2 x 0x80000001 copies two bytes.
+// The copy needs identical formats, equal strides and heights, skips the
+// capacity test (a source wider than its stride still copies) and copies
+// height x stride bytes formed in 32 bits (2 x 0x80000001: two bytes).
 // Otherwise each source row moves its own width of pixels, the destination
-// stepping by its stride (Y8: by its stride less its own width, from where
-// the row ended) and its padding untouched.
+// steps by its stride and its padding stays untouched.
 struct Geometry {
     uint32_t width, height, stride, bytes;
 };
@@ -239,45 +237,40 @@ TEST(BayerRouting, EachMethodAndPhaseReachesItsRoutine) {
     const uint32_t phases[] = {ORV_BAYER_PHASE_A, ORV_BAYER_PHASE_B, ORV_BAYER_PHASE_C,
                                ORV_BAYER_PHASE_D, 0x50A, 0x109};
     const uint32_t w = 4;
-    for (uint32_t src = 0x16; src <= 0x1A; ++src) {
-        const uint32_t size = src == 0x16 ? 1 : 2;
-        const uint32_t depth = src == 0x18 ? 12 : src == 0x19 ? 14 : src == 0x1A ? 16 : 10;
-        for (uint32_t dst : {0x06u, 0x08u, 0x0Bu, 0x0Du, 0x11u}) {
-            if (src != 0x16 && dst == 0x0B) continue; // BGR16 from bytes only
-            const uint32_t bpp = orv_test::demosaic_pixel_bytes(dst);
-            for (uint32_t mi = 0; mi < 6; ++mi)
-                for (uint32_t pi = 0; pi < 6; ++pi)
-                    // A zero-height source passes the capacity test, and its
-                    // routine still reads two lines and writes one or two.
-                    for (uint32_t h : {4u, 0u}) {
-                        SCOPED_TRACE(testing::Message()
-                                     << std::hex << "source 0x" << src << " dest 0x" << dst
-                                     << " method 0x" << methods[mi] << " phase 0x"
-                                     << phases[pi] << " height " << h);
-                        const uint32_t lines = std::max(h, 2u);
-                        TestImage in(format(src), w, h, w * size, (w * lines + 1) * size);
-                        const auto samples = orv_test::random_bytes(in.size(), src);
-                        std::copy(samples.begin(), samples.end(), in.data());
-                        in.set_bayer(methods[mi], phases[pi]);
-                        TestImage out(format(dst), w, h, w * bpp, w * lines * bpp, 0xEE);
-                        const ORV_STATUS status = OVC_Convert(in.handle(), out.handle());
-                        // RGBX32 has dup only, BGR16 dup of phase A only.
-                        const bool offered = mi < 3 && pi < 4 &&
-                                             (dst == 0x0B ? mi + pi == 0 : dst != 0x0D || mi == 0);
-                        if (!offered) {
-                            EXPECT_EQ(status, ORV_ERROR_NOT_IMPLEMENTED);
-                            ASSERT_EQ(out.bytes(), std::vector<uint8_t>(out.size(), 0xEE));
-                            continue;
-                        }
-                        ASSERT_EQ(status, ORV_OK);
-                        const orv::bayer::DemosaicMember *m = orv::bayer::find_member(
-                            src != 0x16, dst, methods[mi], phases[pi]);
-                        ASSERT_NE(m, nullptr);
-                        TestImage direct(format(dst), w, h, w * bpp, w * lines * bpp, 0xEE);
-                        m->call(in.handle(), direct.handle(), depth);
-                        EXPECT_EQ(out.bytes(), direct.bytes());
-                    }
+    // A zero-height source passes the capacity test, and its routine still
+    // reads two lines and writes one or two.
+    for (uint32_t h : {4u, 0u})
+    for (uint32_t src = 0x16; src <= 0x1A; ++src)
+    for (uint32_t dst : {0x06u, 0x08u, 0x0Bu, 0x0Du, 0x11u})
+    for (uint32_t mi = 0; mi < 6; ++mi)
+    for (uint32_t pi = 0; pi < 6; ++pi) {
+        if (src != 0x16 && dst == 0x0B) continue; // BGR16 from bytes only
+        SCOPED_TRACE(testing::Message() << std::hex << "source 0x" << src << " dest 0x" << dst
+                                        << " method 0x" << methods[mi] << " phase 0x"
+                                        << phases[pi] << " height " << h);
+        const uint32_t size = src == 0x16 ? 1 : 2, bpp = orv_test::demosaic_pixel_bytes(dst);
+        const uint32_t lines = std::max(h, 2u);
+        TestImage in(format(src), w, h, w * size, (w * lines + 1) * size);
+        const auto samples = orv_test::random_bytes(in.size(), src);
+        std::copy(samples.begin(), samples.end(), in.data());
+        in.set_bayer(methods[mi], phases[pi]);
+        TestImage out(format(dst), w, h, w * bpp, w * lines * bpp, 0xEE);
+        const ORV_STATUS status = OVC_Convert(in.handle(), out.handle());
+        // RGBX32 has dup only, BGR16 dup of phase A only.
+        const bool offered =
+            mi < 3 && pi < 4 && (dst == 0x0B ? mi + pi == 0 : dst != 0x0D || mi == 0);
+        if (!offered) {
+            EXPECT_EQ(status, ORV_ERROR_NOT_IMPLEMENTED);
+            ASSERT_EQ(out.bytes(), std::vector<uint8_t>(out.size(), 0xEE));
+            continue;
         }
+        ASSERT_EQ(status, ORV_OK);
+        const auto *m = orv::bayer::find_member(src != 0x16, dst, methods[mi], phases[pi]);
+        ASSERT_NE(m, nullptr);
+        TestImage direct(format(dst), w, h, w * bpp, w * lines * bpp, 0xEE);
+        const uint32_t depth = src == 0x18 ? 12 : src == 0x19 ? 14 : src == 0x1A ? 16 : 10;
+        m->call(in.handle(), direct.handle(), depth);
+        EXPECT_EQ(out.bytes(), direct.bytes());
     }
 }
 
