@@ -1,15 +1,13 @@
-// Every demosaic member walked with each SIMD level's line runs against
-// the same walk with none, byte for byte: widths 2 to 67 and a few long
-// ones, heights 1, 2, 3, 5 and 8, depths 7 to 16 with samples above the
-// depth, tight and padded strides. The source ends flush against an
-// inaccessible page at the last sample the plain walk reads (the reads
-// past the image that the header gives), the destination at the last
-// byte it writes, so a run that touches one byte more faults; the
-// destination starts as a pattern, so the bytes the walk leaves (X bytes,
-// padding) must stay.
+// Every demosaic member walked with each SIMD level's line runs against the
+// same walk with none, byte for byte: widths 2 to 67 and a few long ones,
+// heights 1 to 8, depths 7 to 16 with samples above the depth, tight and
+// padded strides. Source and destination end flush against an inaccessible
+// page at the last byte the plain walk touches (the header's extents), and
+// the destination starts as a pattern, so X bytes and padding must stay.
 #include "bayer/ave.h"
 #include "bayer/dup.h"
 #include "bayer/med.h"
+#include "bayer/member_table.h"
 #include "support/demosaic_extent.h"
 #include "support/guarded_bytes.h"
 #include "support/kernel_levels.h"
@@ -17,40 +15,18 @@
 
 #include <gtest/gtest.h>
 
-#include <string>
-
 namespace {
 
 using namespace orv::bayer;
 using Bytes = std::vector<uint8_t>;
 using Walk = void (*)(const Image &, const BayerKernels &);
 
-struct Member {
-    std::string name;
-    Walk walk;
-    uint32_t sample_bytes, pixel_bytes;
-    orv_test::DemosaicMethod method;
-    bool rgb16_phase_c; // its shifted line below, line 0's last green
-};
-
-orv_test::DemosaicMethod method_named(const std::string &name) {
-    return name == "dup"   ? orv_test::DemosaicMethod::dup
-           : name == "ave" ? orv_test::DemosaicMethod::ave
-                           : orv_test::DemosaicMethod::med;
-}
-
-#define ORV_TEST_MEMBER(SRC, OUT, METHOD, PHASE)                             \
-    Member{"OVC_" #SRC "_to_" #OUT "_" #METHOD "_" #PHASE,                   \
-           &ORV_BAYER_METHOD_TYPE_##METHOD::walk<member_words::SRC,           \
-                                                 member_words::OUT,           \
-                                                 member_words::PHASE>,        \
-           member_words::SRC::size, member_words::OUT::bytes,                \
-           method_named(#METHOD),                                             \
-           std::string(#OUT #PHASE) == "RGB16C"},
-
-const std::vector<Member> members = {ORV_BAYER_MEMBERS(ORV_TEST_MEMBER)};
-
-#undef ORV_TEST_MEMBER
+// The members' walks, in the order of the member table.
+#define ORV_TEST_WALK(SRC, OUT, METHOD, PHASE)                                \
+    &ORV_BAYER_METHOD_TYPE_##METHOD::walk<member_words::SRC, member_words::OUT, \
+                                          member_words::PHASE>,
+const Walk walks[] = {ORV_BAYER_MEMBERS(ORV_TEST_WALK)};
+#undef ORV_TEST_WALK
 
 struct Shape {
     uint32_t width, height, depth;
@@ -75,29 +51,36 @@ std::vector<Shape> shapes() {
 
 constexpr size_t kRoom = size_t(1921 + 8) * 4 * 9;
 
-// The bytes a walk of `m` over `s` reads from the source and writes.
-orv_test::DemosaicExtent extent(const Member &m, const Shape &s) {
-    return orv_test::demosaic_extent(
-        m.method, m.rgb16_phase_c, s.width, s.height, m.sample_bytes,
-        s.width * m.sample_bytes + s.src_padding, m.pixel_bytes,
-        s.width * m.pixel_bytes + s.dst_padding);
+// Bytes of a sample and of an output pixel; stride of each buffer.
+struct Layout {
+    uint32_t sample, pixel, src_stride, dst_stride;
+};
+Layout layout(const DemosaicMember &m, const Shape &s) {
+    const uint32_t sample = m.n_bit ? 2 : 1, pixel = orv_test::demosaic_pixel_bytes(m.output);
+    return {sample, pixel, s.width * sample + s.src_padding, s.width * pixel + s.dst_padding};
 }
 
-Bytes walk(const Member &m, const Shape &s, const Bytes &source,
-           const BayerKernels &kernels) {
+orv_test::DemosaicExtent extent(const DemosaicMember &m, const Shape &s) {
+    const Layout l = layout(m, s);
+    const bool rgb16_c = m.output == (ORV_FORMAT_RGB16 & 0xFFu) && m.phase == ORV_BAYER_PHASE_C;
+    return orv_test::demosaic_extent(orv_test::method_of(m.method), rgb16_c, s.width, s.height,
+                                     l.sample, l.src_stride, l.pixel, l.dst_stride);
+}
+
+Bytes walk(size_t member, const Shape &s, const Bytes &source, const BayerKernels &kernels) {
     static orv_test::GuardedBytes in(kRoom), out(kRoom);
+    const DemosaicMember &m = kDemosaicMembers[member];
+    const Layout l = layout(m, s);
     const size_t written = extent(m, s).destination;
     Image image;
     image.src = in.place(source);
     image.dst = out.place(Bytes(written, 0xA5));
     image.width = s.width;
     image.height = s.height;
-    image.src_pitch = line_pitch(s.width * m.sample_bytes + s.src_padding,
-                                 s.width * m.sample_bytes, m.sample_bytes - 1);
-    image.dst_pitch = line_pitch(s.width * m.pixel_bytes + s.dst_padding,
-                                 s.width * m.pixel_bytes, 0);
-    image.scale = Scale::of_depth(m.sample_bytes == 1 ? 8 : s.depth);
-    m.walk(image, kernels);
+    image.src_pitch = line_pitch(l.src_stride, s.width * l.sample, l.sample - 1);
+    image.dst_pitch = line_pitch(l.dst_stride, s.width * l.pixel, 0);
+    image.scale = Scale::of_depth(m.n_bit ? s.depth : 8);
+    walks[member](image, kernels);
     return out.last(written);
 }
 
@@ -111,18 +94,18 @@ const BayerKernels *const by_level[orv::kSimdLevels] = {
 };
 
 TEST(DemosaicRunTwins, WriteExactlyThePlainWalksBytes) {
-    ASSERT_EQ(members.size(), 81u);
+    ASSERT_EQ(std::size(walks), std::size(kDemosaicMembers));
     const auto twins = orv_test::twin_tables(by_level);
     if (twins.empty()) GTEST_SKIP() << "no demosaic runs at this level";
     uint32_t seed = 1;
-    for (const Member &m : members)
+    for (size_t i = 0; i < std::size(walks); ++i)
         for (const Shape &s : shapes()) {
             const Bytes source =
-                orv_test::random_bytes(extent(m, s).source, ++seed);
-            const Bytes expected = walk(m, s, source, *by_level[0]);
+                orv_test::random_bytes(extent(kDemosaicMembers[i], s).source, ++seed);
+            const Bytes expected = walk(i, s, source, *by_level[0]);
             for (const auto &twin : twins)
-                ASSERT_EQ(walk(m, s, source, *twin.table), expected)
-                    << m.name << " at " << twin.level << ", " << s.width
+                ASSERT_EQ(walk(i, s, source, *twin.table), expected)
+                    << kDemosaicMembers[i].name << " at " << twin.level << ", " << s.width
                     << " x " << s.height << ", depth " << s.depth;
         }
 }

@@ -1,5 +1,9 @@
-// OVC_Convert as a whole: which format pairs convert, the validation
-// statuses, the capacity tests and the identical-format copy.
+// OVC_Convert as a whole: which format pairs convert (by the low byte of
+// each format only), the refusals, the capacity table, the copy taken
+// between identical formats, and which Bayer methods and phases reach the
+// routine they name.
+#include "bayer/member_table.h"
+#include "support/demosaic_extent.h"
 #include "support/test_image.h"
 
 #include <gtest/gtest.h>
@@ -36,14 +40,15 @@ std::set<std::pair<uint32_t, uint32_t>> supported_pairs() {
 }
 
 // A zero-height source passes every capacity test, so the status tells
-// only whether the pair is converted. Bayer members still write line 0 of
-// a zero-height image, hence the room in both buffers.
+// only whether the pair is converted; the bytes above the low one vary.
+// Bayer members still write line 0 of a zero-height image, hence the room.
 TEST(ConvertDispatch, EveryKeyIsConvertedExactlyWhenThePairIsSupported) {
     const auto pairs = supported_pairs();
+    const uint32_t uppers[] = {0xC0022600u, 0x100u, 0x12345600u, 0xFFFFFF00u};
     for (uint32_t s = 0; s <= 0x20; ++s) {
         for (uint32_t d = 0; d <= 0x20; ++d) {
-            TestImage src(format(s), 2, 0, 16, 64);
-            TestImage dst(format(d), 2, 2, 16, 64);
+            TestImage src(uppers[s % 4] | s, 2, 0, 16, 64);
+            TestImage dst(uppers[(s + d) % 4] | d, 2, 2, 16, 64);
             src.set_bayer(ORV_BAYER_METHOD_DUP, ORV_BAYER_PHASE_A);
             const ORV_STATUS expected =
                 pairs.count({s, d}) ? ORV_OK : ORV_ERROR_NOT_SUPPORTED;
@@ -53,61 +58,68 @@ TEST(ConvertDispatch, EveryKeyIsConvertedExactlyWhenThePairIsSupported) {
     }
 }
 
-TEST(ConvertDispatch, OnlyTheLowByteOfEachFormatCounts) {
-    const uint8_t grey[4] = {1, 2, 3, 4};
-    for (uint32_t upper : {0x00000000u, 0x12345600u, 0xFFFFFF00u}) {
-        TestImage src(upper | 0x01, 4, 1, 4);
-        std::copy(grey, grey + 4, src.data());
-        TestImage dst(0xABCDEF00u | 0x11, 4, 1, 12);
-        ASSERT_EQ(OVC_Convert(src.handle(), dst.handle()), ORV_OK);
-        for (int i = 0; i < 12; ++i) EXPECT_EQ(dst[i], grey[i / 3]);
-    }
-}
-
+// One parameter of the source or of the destination set to a value that is
+// refused (parameter 0: the handle itself is 0), Y8 into BGR24.
 struct Refusal {
     const char *what;
-    void (*spoil)(TestImage &src, TestImage &dst);
+    bool source;
+    uint32_t parameter;
+    uintptr_t value;
     ORV_STATUS status;
 };
 
 const Refusal refusals[] = {
-    {"source not valid", [](TestImage &s, TestImage &) { s.set_pointer(OFS_BUFFER_VALID, 0); }, ORV_ERROR_BAD_PARAM},
-    {"destination not valid", [](TestImage &, TestImage &d) { d.set_pointer(OFS_BUFFER_VALID, 0); }, ORV_ERROR_BAD_PARAM},
-    {"destination format zero", [](TestImage &, TestImage &d) { d.set(OFS_FORMAT, 0); }, ORV_ERROR_BAD_PARAM},
-    {"source format zero", [](TestImage &s, TestImage &) { s.set(OFS_FORMAT, 0); }, ORV_ERROR_BAD_PARAM},
-    {"source address null", [](TestImage &s, TestImage &) { s.set_pointer(OFS_START_ADDR, 0); }, ORV_ERROR_BAD_PARAM},
-    {"destination address null", [](TestImage &, TestImage &d) { d.set_pointer(OFS_START_ADDR, 0); }, ORV_ERROR_BAD_PARAM},
-    {"unknown source format", [](TestImage &s, TestImage &) { s.set(OFS_FORMAT, format(0x04)); }, ORV_ERROR_NOT_SUPPORTED},
-    {"destination format 04", [](TestImage &, TestImage &d) { d.set(OFS_FORMAT, format(0x04)); }, ORV_ERROR_NOT_SUPPORTED},
-    {"destination low byte zero", [](TestImage &, TestImage &d) { d.set(OFS_FORMAT, 0xC0022600u); }, ORV_ERROR_NOT_SUPPORTED},
-    {"Y32 as source", [](TestImage &s, TestImage &) { s.set(OFS_FORMAT, ORV_FORMAT_Y32); }, ORV_ERROR_NOT_SUPPORTED},
-    {"destination one byte short", [](TestImage &, TestImage &d) { d.set(OFS_STRIDE, 11); }, ORV_ERROR_BAD_PARAM},
+    {"source handle zero", true, 0, 0, ORV_ERROR_BAD_PARAM},
+    {"destination handle zero", false, 0, 0, ORV_ERROR_BAD_PARAM},
+    {"source not valid", true, OFS_BUFFER_VALID, 0, ORV_ERROR_BAD_PARAM},
+    {"destination not valid", false, OFS_BUFFER_VALID, 0, ORV_ERROR_BAD_PARAM},
+    {"destination format zero", false, OFS_FORMAT, 0, ORV_ERROR_BAD_PARAM},
+    {"source format zero", true, OFS_FORMAT, 0, ORV_ERROR_BAD_PARAM},
+    {"source address null", true, OFS_START_ADDR, 0, ORV_ERROR_BAD_PARAM},
+    {"destination address null", false, OFS_START_ADDR, 0, ORV_ERROR_BAD_PARAM},
+    {"unknown source format", true, OFS_FORMAT, 0xC0022604u, ORV_ERROR_NOT_SUPPORTED},
+    {"destination format 04", false, OFS_FORMAT, 0xC0022604u, ORV_ERROR_NOT_SUPPORTED},
+    {"destination low byte zero", false, OFS_FORMAT, 0xC0022600u, ORV_ERROR_NOT_SUPPORTED},
+    {"Y32 as source", true, OFS_FORMAT, ORV_FORMAT_Y32, ORV_ERROR_NOT_SUPPORTED},
+    {"destination one byte short", false, OFS_STRIDE, 11, ORV_ERROR_BAD_PARAM},
     // An empty image converts and writes nothing.
-    {"zero height", [](TestImage &s, TestImage &) { s.set(OFS_HEIGHT, 0); }, ORV_OK},
-    {"zero width", [](TestImage &s, TestImage &) { s.set(OFS_WIDTH, 0); }, ORV_OK},
+    {"zero height", true, OFS_HEIGHT, 0, ORV_OK},
+    {"zero width", true, OFS_WIDTH, 0, ORV_OK},
 };
 
 TEST(ConvertDispatch, RefusalsAndEmptyImagesLeaveTheDestinationUntouched) {
     for (const Refusal &r : refusals) {
         TestImage src(ORV_FORMAT_Y8, 4, 2, 4, 8, 0x11);
         TestImage dst(ORV_FORMAT_BGR24, 4, 2, 12, 24, 0xEE);
-        r.spoil(src, dst);
-        EXPECT_EQ(OVC_Convert(src.handle(), dst.handle()), r.status) << r.what;
+        TestImage &spoilt = r.source ? src : dst;
+        if (r.parameter == OFS_BUFFER_VALID || r.parameter == OFS_START_ADDR)
+            spoilt.set_pointer(r.parameter, r.value);
+        else if (r.parameter != 0)
+            spoilt.set(r.parameter, uint32_t(r.value));
+        const bool zero = r.parameter == 0;
+        EXPECT_EQ(OVC_Convert(zero && r.source ? 0 : src.handle(),
+                              zero && !r.source ? 0 : dst.handle()),
+                  r.status)
+            << r.what;
         EXPECT_EQ(dst.bytes(), std::vector<uint8_t>(24, 0xEE)) << r.what;
     }
 }
 
-TEST(ConvertDispatch, ZeroHandlesAreRefused) {
-    TestImage img(ORV_FORMAT_Y8, 1, 1, 1);
-    EXPECT_EQ(OVC_Convert(0, img.handle()), ORV_ERROR_BAD_PARAM);
-    EXPECT_EQ(OVC_Convert(img.handle(), 0), ORV_ERROR_BAD_PARAM);
-}
+// The capacity test: a W x H source needs W x H x k <= m x stride x height
+// of the destination, each side a 32-bit product that may wrap; refused,
+// nothing is written.
+struct Capacity {
+    uint32_t src, dst;
+    uint32_t width, height;      // source
+    uint32_t stride, dst_height; // destination
+    uint32_t method;             // of a Bayer source; 0 is none
+    ORV_STATUS status;
+};
 
-// Every capacity form of every family, as (k, m): a W x H source needs
-// W x H x k <= m x stride x height, each side a 32-bit product. An exact
-// fit converts; one byte less is refused with nothing written; and where
-// m > 1, a stride whose m-fold product wraps to a few bytes is refused
-// although the stride alone would hold the image.
+// Every form of every family as (k, m), for a 6 x 5 source: an exact fit
+// converts; one byte less is refused; and where m > 1, a stride whose
+// m-fold product wraps to a few bytes is refused although the stride alone
+// would hold the image.
 struct CapacityForm {
     uint32_t src, dst, k, m;
 };
@@ -132,64 +144,81 @@ const CapacityForm capacity_forms[] = {
 };
 
 TEST(ConvertCapacity, EveryFormFitsExactlyAndWrapsAsStated) {
-    const uint32_t w = 6, h = 5;
+    std::vector<Capacity> cases = {
+        // Bayer: capacity is tested before the method (RGBX32 lacks ave).
+        {0x16, 0x0D, 4, 2, 31, 1, ORV_BAYER_METHOD_AVE, ORV_ERROR_BAD_PARAM},
+        {0x16, 0x0D, 4, 2, 32, 1, ORV_BAYER_METHOD_AVE, ORV_ERROR_NOT_IMPLEMENTED},
+        // w x h x 6 wraps to 2, not above 2 x (1 x 1): passes, then no method.
+        {0x18, 0x11, 0x2AAAAAABu, 1, 1, 1, 0, ORV_ERROR_NOT_IMPLEMENTED},
+        // 2 x stride x height wraps to 0: refused although w x h x 3 fits.
+        {0x18, 0x11, 2, 1, 0x80000000u, 1, 0, ORV_ERROR_BAD_PARAM},
+        // w x h x 4 wraps to 0: passes even into a one-byte destination.
+        {0x16, 0x08, 0x40000000u, 1, 1, 1, 0, ORV_ERROR_NOT_IMPLEMENTED},
+    };
+    const uint32_t dup = ORV_BAYER_METHOD_DUP;
     for (const CapacityForm &f : capacity_forms) {
-        const uint32_t need = w * h * f.k / f.m;
-        struct Destination {
-            uint32_t stride, height;
-            ORV_STATUS status;
-        };
-        std::vector<Destination> cases = {{need / h, h, ORV_OK}, {need - 1, 1, ORV_ERROR_BAD_PARAM}};
+        const uint32_t need = 6 * 5 * f.k / f.m;
+        cases.push_back({f.src, f.dst, 6, 5, need / 5, 5, dup, ORV_OK});
+        cases.push_back({f.src, f.dst, 6, 5, need - 1, 1, dup, ORV_ERROR_BAD_PARAM});
         if (f.m > 1)
-            cases.push_back({uint32_t(0x100000000ull / f.m) + 1, 1, ORV_ERROR_BAD_PARAM});
-        for (const Destination &c : cases) {
-            TestImage src(format(f.src), w, h, 40, 40 * (h + 1), 0x5A);
-            src.set_bayer(ORV_BAYER_METHOD_DUP, ORV_BAYER_PHASE_A);
-            TestImage dst(format(f.dst), 1, c.height, c.stride, need, 0xEE);
-            EXPECT_EQ(OVC_Convert(src.handle(), dst.handle()), c.status)
-                << std::hex << f.src << " -> " << f.dst << std::dec << ", stride " << c.stride;
-            if (c.status != ORV_OK) {
-                EXPECT_EQ(dst.bytes(), std::vector<uint8_t>(need, 0xEE));
-            }
+            cases.push_back({f.src, f.dst, 6, 5, uint32_t(0x100000000ull / f.m) + 1, 1, dup,
+                             ORV_ERROR_BAD_PARAM});
+    }
+    for (const Capacity &c : cases) {
+        SCOPED_TRACE(testing::Message() << std::hex << "0x" << c.src << " -> 0x" << c.dst
+                                        << ", width 0x" << c.width << ", stride 0x" << c.stride);
+        TestImage src(format(c.src), c.width, c.height, 40, 40 * 6, 0x5A);
+        src.set_bayer(c.method, ORV_BAYER_PHASE_A);
+        const size_t room = c.status == ORV_OK ? size_t(c.stride) * c.dst_height : 64;
+        TestImage dst(format(c.dst), 1, c.dst_height, c.stride, room, 0xEE);
+        EXPECT_EQ(OVC_Convert(src.handle(), dst.handle()), c.status);
+        if (c.status != ORV_OK) {
+            EXPECT_EQ(dst.bytes(), std::vector<uint8_t>(64, 0xEE));
         }
     }
 }
 
-// When the copy is taken and when the rows run instead. The copy needs
-// equal strides and equal heights, skips the capacity test (a source wider
-// than its stride still copies) and copies height x stride bytes formed in
-// 32 bits, so 2 x 0x80000001 copies two bytes. Otherwise each of the
-// source's rows moves its own pixels and the padding stays untouched.
+// The copy needs identical formats, equal strides and heights, skips the
+// capacity test (a source wider than its stride still copies) and copies
+// height x stride bytes formed in 32 bits (2 x 0x80000001: two bytes).
+// Otherwise each source row moves its own width of pixels, the destination
+// steps by its stride and its padding stays untouched.
 struct Geometry {
     uint32_t width, height, stride, bytes;
 };
 
 struct CopyCase {
     const char *what;
-    uint32_t format;
+    uint32_t src_format, dst_format;
     Geometry src, dst;
     ORV_STATUS status;
     uint32_t rows, run, src_pitch, dst_pitch; // bytes expected to move
 };
 
+constexpr uint32_t Y8 = ORV_FORMAT_Y8, Y16 = ORV_FORMAT_Y16, Big = 0x80000001u;
+
 const CopyCase copy_cases[] = {
-    {"Y8 copy without capacity test", ORV_FORMAT_Y8, {10, 3, 8, 24}, {1, 3, 8, 24}, ORV_OK, 1, 24, 0, 0},
-    {"Y16 copy without capacity test", ORV_FORMAT_Y16, {10, 3, 8, 24}, {1, 3, 8, 24}, ORV_OK, 1, 24, 0, 0},
-    {"Y8 copy of a wrapped size", ORV_FORMAT_Y8, {1, 2, 0x80000001u, 2}, {1, 2, 0x80000001u, 4}, ORV_OK, 1, 2, 0, 0},
-    {"Y16 copy of a wrapped size", ORV_FORMAT_Y16, {1, 2, 0x80000001u, 2}, {1, 2, 0x80000001u, 4}, ORV_OK, 1, 2, 0, 0},
-    {"Y8 heights differ", ORV_FORMAT_Y8, {3, 2, 4, 8}, {3, 3, 4, 12}, ORV_OK, 2, 3, 4, 4},
-    {"Y16 heights differ", ORV_FORMAT_Y16, {2, 2, 6, 12}, {2, 3, 6, 18}, ORV_OK, 2, 4, 6, 6},
-    {"Y8 rows one byte short", ORV_FORMAT_Y8, {3, 2, 4, 8}, {3, 1, 5, 8}, ORV_ERROR_BAD_PARAM, 0, 0, 0, 0},
+    {"Y8 copy, no capacity test", Y8, Y8, {10, 3, 8, 24}, {1, 3, 8, 24}, ORV_OK, 1, 24, 0, 0},
+    {"Y16 copy, no capacity test", Y16, Y16, {10, 3, 8, 24}, {1, 3, 8, 24}, ORV_OK, 1, 24, 0, 0},
+    {"Y8 copy of a wrapped size", Y8, Y8, {1, 2, Big, 2}, {1, 2, Big, 4}, ORV_OK, 1, 2, 0, 0},
+    {"Y16 copy of a wrapped size", Y16, Y16, {1, 2, Big, 2}, {1, 2, Big, 4}, ORV_OK, 1, 2, 0, 0},
+    {"Y8 heights differ", Y8, Y8, {3, 2, 4, 8}, {3, 3, 4, 12}, ORV_OK, 2, 3, 4, 4},
+    {"Y16 heights differ", Y16, Y16, {2, 2, 6, 12}, {2, 3, 6, 18}, ORV_OK, 2, 4, 6, 6},
+    {"Y8 rows one byte short", Y8, Y8, {3, 2, 4, 8}, {3, 1, 5, 8}, ORV_ERROR_BAD_PARAM, 0, 0, 0, 0},
+    // 3 + (6 - 2): Y8 steps by the destination's stride less its own width.
+    {"Y8 strides differ", Y8, Y8, {3, 3, 4, 12}, {2, 3, 6, 18}, ORV_OK, 3, 3, 4, 7},
+    {"Y16 rows of the source width", Y16, Y16, {2, 2, 6, 12}, {1, 2, 8, 16}, ORV_OK, 2, 4, 6, 8},
+    // Y10 into Y16 is no copy: the rows' capacity test fails.
+    {"Y10 into Y16", ORV_FORMAT_Y10, Y16, {8, 2, 8, 16}, {8, 2, 8, 16}, ORV_ERROR_BAD_PARAM,
+     0, 0, 0, 0},
 };
 
 TEST(ConvertIdenticalFormat, CopyOnlyForEqualStridesAndHeights) {
     for (const CopyCase &c : copy_cases) {
-        TestImage src(c.format, c.src.width, c.src.height, c.src.stride,
-                      c.src.bytes);
+        TestImage src(c.src_format, c.src.width, c.src.height, c.src.stride, c.src.bytes);
         const auto pattern = orv_test::random_bytes(c.src.bytes, 3);
         std::copy(pattern.begin(), pattern.end(), src.data());
-        TestImage dst(c.format, c.dst.width, c.dst.height, c.dst.stride,
-                      c.dst.bytes, 0xEE);
+        TestImage dst(c.dst_format, c.dst.width, c.dst.height, c.dst.stride, c.dst.bytes, 0xEE);
         EXPECT_EQ(OVC_Convert(src.handle(), dst.handle()), c.status) << c.what;
         std::vector<uint8_t> expected(c.dst.bytes, 0xEE);
         for (uint32_t y = 0; y < c.rows; ++y)
@@ -199,37 +228,50 @@ TEST(ConvertIdenticalFormat, CopyOnlyForEqualStridesAndHeights) {
     }
 }
 
-TEST(ConvertIdenticalFormat, OtherSixteenBitGreyPairsAreNotCopies) {
-    // Y10 into Y16 with equal layouts goes through the row loop and its
-    // capacity test, which a width of 8 u16 pixels in 8-byte lines fails.
-    TestImage src(ORV_FORMAT_Y10, 8, 2, 8);
-    TestImage dst(ORV_FORMAT_Y16, 8, 2, 8, 16, 0xEE);
-    EXPECT_EQ(OVC_Convert(src.handle(), dst.handle()), ORV_ERROR_BAD_PARAM);
-    TestImage src16(ORV_FORMAT_Y16, 8, 2, 8);
-    EXPECT_EQ(OVC_Convert(src16.handle(), dst.handle()), ORV_OK);
-}
-
-// Y8 into Y8 off the copy path steps the destination by its stride minus
-// its own width, not the source's.
-TEST(ConvertIdenticalFormat, Y8RowsStepByTheDestinationWidth) {
-    TestImage src(ORV_FORMAT_Y8, 3, 3, 4);
-    for (size_t i = 0; i < src.size(); ++i) src[i] = uint8_t(i + 1);
-    TestImage dst(ORV_FORMAT_Y8, 2, 3, 6, 18, 0xEE); // steps 3 + (6 - 2)
-    ASSERT_EQ(OVC_Convert(src.handle(), dst.handle()), ORV_OK);
-    const std::vector<uint8_t> expected = {1,    2,    3,    0xEE, 0xEE, 0xEE,
-                                           0xEE, 5,    6,    7,    0xEE, 0xEE,
-                                           0xEE, 0xEE, 9,    10,   11,   0xEE};
-    EXPECT_EQ(dst.bytes(), expected);
-}
-
-TEST(ConvertIdenticalFormat, Y16RowsUseTheSourceWidth) {
-    TestImage src(ORV_FORMAT_Y16, 2, 2, 6);
-    for (size_t i = 0; i < src.size(); ++i) src[i] = uint8_t(i + 1);
-    TestImage dst(ORV_FORMAT_Y16, 1, 2, 8, 16, 0xEE);
-    ASSERT_EQ(OVC_Convert(src.handle(), dst.handle()), ORV_OK);
-    const std::vector<uint8_t> expected = {1,  2,  3,  4,  0xEE, 0xEE, 0xEE, 0xEE,
-                                           7,  8,  9,  10, 0xEE, 0xEE, 0xEE, 0xEE};
-    EXPECT_EQ(dst.bytes(), expected);
+// A Bayer source reaches the routine its method and phase name: the same
+// bytes as a direct call with the source format's depth.
+TEST(BayerRouting, EachMethodAndPhaseReachesItsRoutine) {
+    // The known methods and phases first, then unknown ones.
+    const uint32_t methods[] = {ORV_BAYER_METHOD_DUP, ORV_BAYER_METHOD_AVE,
+                                ORV_BAYER_METHOD_MED, 0x409, 0x0A, 0};
+    const uint32_t phases[] = {ORV_BAYER_PHASE_A, ORV_BAYER_PHASE_B, ORV_BAYER_PHASE_C,
+                               ORV_BAYER_PHASE_D, 0x50A, 0x109};
+    const uint32_t w = 4;
+    // A zero-height source passes the capacity test, and its routine still
+    // reads two lines and writes one or two.
+    for (uint32_t h : {4u, 0u})
+    for (uint32_t src = 0x16; src <= 0x1A; ++src)
+    for (uint32_t dst : {0x06u, 0x08u, 0x0Bu, 0x0Du, 0x11u})
+    for (uint32_t mi = 0; mi < 6; ++mi)
+    for (uint32_t pi = 0; pi < 6; ++pi) {
+        if (src != 0x16 && dst == 0x0B) continue; // BGR16 from bytes only
+        SCOPED_TRACE(testing::Message() << std::hex << "source 0x" << src << " dest 0x" << dst
+                                        << " method 0x" << methods[mi] << " phase 0x"
+                                        << phases[pi] << " height " << h);
+        const uint32_t size = src == 0x16 ? 1 : 2, bpp = orv_test::demosaic_pixel_bytes(dst);
+        const uint32_t lines = std::max(h, 2u);
+        TestImage in(format(src), w, h, w * size, (w * lines + 1) * size);
+        const auto samples = orv_test::random_bytes(in.size(), src);
+        std::copy(samples.begin(), samples.end(), in.data());
+        in.set_bayer(methods[mi], phases[pi]);
+        TestImage out(format(dst), w, h, w * bpp, w * lines * bpp, 0xEE);
+        const ORV_STATUS status = OVC_Convert(in.handle(), out.handle());
+        // RGBX32 has dup only, BGR16 dup of phase A only.
+        const bool offered =
+            mi < 3 && pi < 4 && (dst == 0x0B ? mi + pi == 0 : dst != 0x0D || mi == 0);
+        if (!offered) {
+            EXPECT_EQ(status, ORV_ERROR_NOT_IMPLEMENTED);
+            ASSERT_EQ(out.bytes(), std::vector<uint8_t>(out.size(), 0xEE));
+            continue;
+        }
+        ASSERT_EQ(status, ORV_OK);
+        const auto *m = orv::bayer::find_member(src != 0x16, dst, methods[mi], phases[pi]);
+        ASSERT_NE(m, nullptr);
+        TestImage direct(format(dst), w, h, w * bpp, w * lines * bpp, 0xEE);
+        const uint32_t depth = src == 0x18 ? 12 : src == 0x19 ? 14 : src == 0x1A ? 16 : 10;
+        m->call(in.handle(), direct.handle(), depth);
+        EXPECT_EQ(out.bytes(), direct.bytes());
+    }
 }
 
 } // namespace
