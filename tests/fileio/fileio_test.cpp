@@ -2,6 +2,7 @@
 // files byte for byte, larger ones read back by libtiff, the fragments left
 // in an open stream), and both file writers' refusals and faults: paths
 // that cannot be opened, failing devices and pipes, file-size limits.
+#include "support/scratch.h"
 #include "support/test_image.h"
 
 #include <gtest/gtest.h>
@@ -16,9 +17,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
-#include <fstream>
 #include <functional>
-#include <iterator>
 #include <tuple>
 
 #ifdef ORV_HAVE_LIBTIFF
@@ -28,19 +27,9 @@
 namespace {
 
 using orv_test::TestImage;
+using orv_test::read_file;
+using orv_test::scratch_path;
 using Bytes = std::vector<uint8_t>;
-
-// A path in the scratch directory (made by the build), no file there yet.
-std::string scratch_path(const std::string &name) {
-    const std::string path = std::string(ORV_SCRATCH_DIR) + "/" + name;
-    std::remove(path.c_str());
-    return path;
-}
-
-Bytes read_file(const std::string &path) {
-    std::ifstream in(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-}
 
 // The exit code of `child` run in a forked process, which leaves by _exit
 // (flushing nothing) unless it exits itself; -1 if it did not exit.

@@ -12,8 +12,6 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
-#include <fstream>
-#include <iterator>
 #include <string>
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size);
@@ -29,11 +27,6 @@ inline void check(bool holds, const char *what) {
     if (holds) return;
     std::fprintf(stderr, "finding: %s\n", what);
     std::abort();
-}
-
-inline Bytes read_file(const std::string &path) {
-    std::ifstream in(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
 }
 
 // Reads choices from the front of the input; once it is used up every

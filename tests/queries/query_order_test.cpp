@@ -5,7 +5,7 @@
 // buffer answers from its own table (silent for ids it lacks) with a chosen
 // status, which the library must ignore.
 #include "bayer/member_table.h"
-#include "fileio/scratch.h"
+#include "support/scratch.h"
 
 #include <orvaneimage.h>
 

@@ -3,6 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <fstream>
+#include <iterator>
+
 namespace orv_test {
 
 TestImage::TestImage(uint32_t format, uint32_t width, uint32_t height,
@@ -40,14 +43,6 @@ uint32_t TestImage::u32(size_t offset) const {
     return v;
 }
 
-void TestImage::put_u16(size_t offset, uint16_t value) {
-    std::memcpy(bytes_.data() + offset, &value, sizeof value);
-}
-
-void TestImage::put_u32(size_t offset, uint32_t value) {
-    std::memcpy(bytes_.data() + offset, &value, sizeof value);
-}
-
 std::vector<uint8_t> random_bytes(size_t count, uint32_t seed) {
     std::vector<uint8_t> out(count);
     uint32_t x = seed ? seed : 0x9E3779B9u;
@@ -58,6 +53,11 @@ std::vector<uint8_t> random_bytes(size_t count, uint32_t seed) {
         b = static_cast<uint8_t>(x >> 24);
     }
     return out;
+}
+
+std::vector<uint8_t> read_file(const std::string &path) {
+    std::ifstream in(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
 }
 
 uint32_t crc32(const std::vector<uint8_t> &bytes) {

@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <cstring>
+#include <string>
 #include <vector>
 
 namespace orv_test {
@@ -34,8 +35,6 @@ public:
 
     uint16_t u16(size_t offset) const;
     uint32_t u32(size_t offset) const;
-    void put_u16(size_t offset, uint16_t value);
-    void put_u32(size_t offset, uint32_t value);
 
 private:
     std::vector<uint8_t> bytes_;
@@ -44,6 +43,9 @@ private:
 
 // Deterministic pseudo-random bytes for images (xorshift32).
 std::vector<uint8_t> random_bytes(size_t count, uint32_t seed);
+
+// Every byte of a file; none when it cannot be read.
+std::vector<uint8_t> read_file(const std::string &path);
 
 // CRC-32 (the zlib polynomial) of some bytes: recorded checksums of whole
 // outputs hold results that no second implementation needs to restate.

@@ -3,7 +3,7 @@
 // to choose the kernel tables, and every result must be the one the same
 // calls give afterwards on a single thread. Built with ThreadSanitizer by
 // scripts/check, where any unsynchronised access is a failure.
-#include "fileio/scratch.h"
+#include "support/scratch.h"
 #include "support/test_image.h"
 
 #include <gtest/gtest.h>
