@@ -237,8 +237,9 @@ inline void load_triples4(const uint8_t *p, V (&px)[4]) {
 // Four vectors whose lanes hold 12 bytes each, stored as 3W bytes: each
 // output vector blends the closed-up triples of two of them.
 template <uint32_t O> V close_pair(V a, V b) {
-    return _mm256_blend_epi32(permute(a, kCloseGroup[O]),
-                              permute(b, kCloseGroup[O]), second_of_close(O));
+    // The mask is an instruction immediate: a constant even when unoptimised.
+    constexpr int mask = second_of_close(O);
+    return _mm256_blend_epi32(permute(a, kCloseGroup[O]), permute(b, kCloseGroup[O]), mask);
 }
 inline void store_triples4(uint8_t *p, const V (&px)[4]) {
     Ops::store(p, close_pair<0>(px[0], px[1]));
