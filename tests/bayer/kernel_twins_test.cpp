@@ -1,9 +1,8 @@
 // Every demosaic member walked with each SIMD level's line runs against the
 // same walk with none, byte for byte: widths 2 to 67 and a few long ones,
 // heights 1 to 8, depths 7 to 16 with samples above the depth, tight and
-// padded strides. Source and destination end flush against an inaccessible
-// page at the last byte the plain walk touches (the header's extents), and
-// the destination starts as a pattern, so X bytes and padding must stay.
+// padded strides. Both buffers end flush against an inaccessible page where
+// the plain walk stops; X bytes and padding start as a pattern and must stay.
 #include "bayer/ave.h"
 #include "bayer/dup.h"
 #include "bayer/med.h"
@@ -41,8 +40,7 @@ std::vector<Shape> shapes() {
     std::vector<Shape> all;
     uint32_t i = 0;
     for (uint32_t w = 2; w <= 67; ++w, ++i)
-        all.push_back({w, heights[i % 5], depths[i % 6], i % 3 == 0 ? 0u : 6u,
-                       i % 2 == 0 ? 0u : 7u});
+        all.push_back({w, heights[i % 5], depths[i % 6], i % 3 ? 6u : 0u, i % 2 ? 7u : 0u});
     for (uint32_t w : {255u, 1000u, 1921u})
         for (uint32_t h : {2u, 7u})
             all.push_back({w, h, depths[++i % 6], (w & 2u) * 2, 0});

@@ -106,10 +106,9 @@ TEST(ConvertDispatch, RefusalsAndEmptyImagesLeaveTheDestinationUntouched) {
 
 // The capacity test: a W x H source needs W x H x k <= m x stride x height
 // of the destination, each side a 32-bit product that may wrap; refused,
-// nothing is written. Every form of every family as (k, m), for a 6 x 5
-// source: an exact fit converts; one byte less is refused; and where
-// m > 1, a stride whose m-fold product wraps to a few bytes is refused
-// although the stride alone would hold the image.
+// nothing is written. Each form (k, m) for a 6 x 5 source: an exact fit
+// converts, a byte less is refused, and for m > 1 so is a stride whose
+// m-fold product wraps although the stride alone would hold the image.
 struct Capacity {
     uint32_t src, dst;
     uint32_t width, height;      // source
@@ -175,8 +174,7 @@ TEST(ConvertCapacity, EveryFormFitsExactlyAndWrapsAsStated) {
     }
 }
 
-// The copy needs identical formats, equal strides and heights, skips the
-// capacity test (a source wider than its stride still copies) and copies
+// The copy: identical formats, equal strides and heights, no capacity test,
 // height x stride bytes formed in 32 bits (2 x 0x80000001: two bytes).
 // Otherwise each source row moves its own width of pixels, the destination
 // steps by its stride and its padding stays untouched.
