@@ -197,6 +197,7 @@ const CopyCase copy_cases[] = {
     {"Y8 copy of a wrapped size", Y8, Y8, {1, 2, Big, 2}, {1, 2, Big, 4}, ORV_OK, 1, 2, 0, 0},
     {"Y16 copy of a wrapped size", Y16, Y16, {1, 2, Big, 2}, {1, 2, Big, 4}, ORV_OK, 1, 2, 0, 0},
     {"Y8 heights differ", Y8, Y8, {3, 2, 4, 8}, {3, 3, 4, 12}, ORV_OK, 2, 3, 4, 4},
+    {"Y16 heights differ", Y16, Y16, {2, 2, 6, 12}, {2, 3, 6, 18}, ORV_OK, 2, 4, 6, 6},
     {"Y8 rows one byte short", Y8, Y8, {3, 2, 4, 8}, {3, 1, 5, 8}, ORV_ERROR_BAD_PARAM, 0, 0, 0, 0},
     // 3 + (6 - 2): Y8 steps by the destination's stride less its own width.
     {"Y8 strides differ", Y8, Y8, {3, 3, 4, 12}, {2, 3, 6, 18}, ORV_OK, 3, 3, 4, 7},
