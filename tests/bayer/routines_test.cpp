@@ -119,8 +119,9 @@ uint32_t rendered(const DemosaicMember &m, const Case &c) {
     const bool reversed = m.output == (ORV_FORMAT_RGBX32 & 0xFFu);
     const uint32_t blue = p[reversed ? 2 : 0], green = p[1], red = p[reversed ? 0 : 2];
     const uint32_t word = uint32_t(p[0] | p[1] << 8);
-    const uint32_t by_channel[] = {red,        green, blue, word >> 11, (word >> 5) & 0x3F,
-                                   word & 0x1F, word, blue == green && green == red ? red : ~0u};
+    // In the order of Channel.
+    const uint32_t by_channel[] = {red, green, blue, word >> 11, (word >> 5) & 0x3F, word & 0x1F,
+                                   word, blue == green && green == red ? red : ~0u};
     return by_channel[c.channel];
 }
 

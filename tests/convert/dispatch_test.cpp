@@ -222,10 +222,9 @@ TEST(ConvertIdenticalFormat, CopyOnlyForEqualStridesAndHeights) {
     }
 }
 
-// A Bayer source reaches the routine its method and phase name: the same
-// bytes as a direct call with the source format's depth.
+// A Bayer source reaches the routine its method and phase name (known ones,
+// then unknown): the same bytes as a direct call with the source's depth.
 TEST(BayerRouting, EachMethodAndPhaseReachesItsRoutine) {
-    // The known methods and phases first, then unknown ones.
     const uint32_t methods[] = {ORV_BAYER_METHOD_DUP, ORV_BAYER_METHOD_AVE,
                                 ORV_BAYER_METHOD_MED, 0x409, 0x0A, 0};
     const uint32_t phases[] = {ORV_BAYER_PHASE_A, ORV_BAYER_PHASE_B, ORV_BAYER_PHASE_C,
