@@ -8,9 +8,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstring>
-#include <string>
-#include <vector>
 
 namespace {
 
@@ -18,14 +15,9 @@ using orv::bayer::DemosaicMember;
 using orv::bayer::kDemosaicMembers;
 using orv_test::TestImage;
 
-// Worked values, one table: a mosaic of zeros with a few samples set, one
-// channel of one pixel read back. dup: the column-0 greens, depth
-// narrowing, the unmasked RGB16 blue, line 0 of a zero-height image. ave:
-// truncated means with border divisors, the read past an odd line, the
-// unshifted red of OVC_BAYn_to_RGB16_ave_B. med: the median of four, the
-// departures of phases B and C. Short ave and med images write two lines.
-// Byte channels, the fields of a packed 16-bit word, the whole word, or
-// B, G and R all equal to the expected value.
+// Worked values: a mosaic of zeros with a few samples set, one channel of
+// one pixel read back: a byte channel, a field of a packed 16-bit word, the
+// whole word, or B, G and R all equal to the expected value.
 enum Channel { kRed, kGreen, kBlue, kRedField, kGreenField, kBlueField, kWord, kAll };
 
 struct Case {
@@ -47,31 +39,21 @@ const Case kCases[] = {
     {"OVC_BAY8_to_BGRX32_dup_A", 6, 6, 8, {1, 0, 77}, 2, 0, kGreen, 77},
     {"OVC_BAY8_to_BGRX32_dup_A", 6, 6, 8, {0, 1, 77}, 0, 0, kGreen, 77},
     {"OVC_BAY8_to_BGRX32_dup_B", 6, 6, 8, {1, 1, 77}, 1, 0, kGreen, 77},
-    {"OVC_BAY8_to_BGR24_dup_C", 6, 6, 8, {0, 0, 77}, 1, 0, kGreen, 77},
     {"OVC_BAY8_to_BGRX32_dup_D", 6, 6, 8, {1, 0, 77}, 2, 0, kGreen, 77},
-    {"OVC_BAY8_to_BGRX32_dup_D", 6, 6, 8, {0, 1, 77}, 0, 0, kGreen, 77},
-    {"OVC_BAY8_to_RGBX32_dup_D", 6, 6, 8, {3, 0, 77}, 4, 0, kGreen, 77},
     {"OVC_BAY8_to_RGB16_dup_D", 6, 6, 8, {2, 1, 77}, 2, 0, kGreenField, 77 >> 2},
     {"OVC_BAY8_to_RGB16_dup_A", 6, 6, 8, {1, 0, 77}, 2, 0, kGreenField, 77 >> 2},
     // dup, n-bit: the byte kept after the shift, bits above the depth
-    // included; the RGB16 blue is not masked (depth 10, blue 0x0FFF: B
-    // field 31 and two bits spilled into G).
+    // included; the RGB16 blue is not masked (B field 31, 3 spilled into G).
     {"OVC_BAYn_to_BGRX32_dup_A", 2, 2, 12, uniform(0x0FF0), 1, 1, kAll, 0xFF},
     {"OVC_BAYn_to_BGR24_dup_B", 2, 2, 10, uniform(0xFFFF), 1, 1, kAll, 0xFF},
-    {"OVC_BAYn_to_RGBX32_dup_C", 2, 2, 14, uniform(0x1234), 1, 1, kAll, 0x48},
-    {"OVC_BAYn_to_BGRX32_dup_D", 2, 2, 16, uniform(0xA55A), 1, 1, kAll, 0xA5},
     {"OVC_BAYn_to_RGB16_dup_A", 2, 2, 10, {1, 1, 0x0FFF}, 0, 0, kWord, 0x007F},
     // dup: a zero-height image still gets line 0, its blues from line 1.
     {"OVC_BAY8_to_BGR24_dup_A", 4, 0, 8, {1, 1, 6}, 0, 0, kBlue, 6},
     {"OVC_BAY8_to_BGR24_dup_A", 4, 0, 8, {1, 3, 8}, 0, 3, kBlue, 8},
-    // ave: a corner green from right and below; a line-0 green from left
-    // and right only; a line-0 blue from the two diagonals below; a corner
-    // red copied from its one diagonal; means of two and of four truncate.
+    // ave: a corner green from right and below; a line-0 blue from the two
+    // diagonals below; a mean of four truncates.
     {"OVC_BAY8_to_BGRX32_ave_A", 6, 6, 8, {0, 1, 9, 1, 0, 20}, 0, 0, kGreen, 14},
-    {"OVC_BAY8_to_BGRX32_ave_A", 6, 6, 8, {0, 1, 9, 0, 3, 20, 1, 2, 200}, 0, 2, kGreen, 14},
     {"OVC_BAY8_to_BGRX32_ave_A", 6, 6, 8, {1, 1, 9, 1, 3, 20}, 0, 2, kBlue, 14},
-    {"OVC_BAY8_to_BGR24_ave_A", 6, 6, 8, {4, 4, 77}, 5, 5, kRed, 77},
-    {"OVC_BAY8_to_BGR24_ave_A", 5, 5, 8, {2, 0, 1, 2, 2, 2}, 2, 1, kRed, 1},
     {"OVC_BAY8_to_BGRX32_ave_A", 5, 5, 8, {1, 2, 3, 3, 2, 3, 2, 1, 3, 2, 3, 2}, 2, 2, kGreen, 2},
     // ave, n-bit: the mean is taken before the shift.
     {"OVC_BAYn_to_BGR24_ave_A", 4, 4, 12, {0, 0, 4095, 0, 2, 4094}, 0, 1, kRed, 255},
@@ -87,15 +69,14 @@ const Case kCases[] = {
     {"OVC_BAY8_to_BGRX32_ave_A", 2, 1, 8, {0, 1, 1, 1, 0, 16}, 1, 1, kGreen, 8},
     {"OVC_BAY8_to_BGRX32_ave_A", 2, 2, 8, {0, 1, 1, 1, 0, 16}, 0, 0, kGreen, 8},
     // med: green the middle two of the cross, red the middle two of the
-    // diagonals; a red spike misses the diagonal blue sites but reaches the
-    // greens below and beside; n-bit medians are shifted after halving.
+    // diagonals; a red spike misses the diagonal blue sites but reaches a
+    // green next to it; n-bit medians are shifted after halving.
     {"OVC_BAY8_to_BGRX32_med_A", 5, 5, 8, {2, 3, 10, 4, 3, 20, 3, 2, 30, 3, 4, 200},
      3, 3, kGreen, 25},
     {"OVC_BAY8_to_BGRX32_med_A", 5, 5, 8, {2, 2, 0, 2, 4, 0, 4, 2, 255, 4, 4, 255},
      3, 3, kRed, 127},
     {"OVC_BAY8_to_BGR24_med_A", 7, 7, 8, {2, 2, 255}, 3, 3, kRed, 0},
     {"OVC_BAY8_to_BGR24_med_A", 7, 7, 8, {2, 2, 255}, 1, 2, kRed, 127},
-    {"OVC_BAY8_to_BGR24_med_A", 7, 7, 8, {2, 2, 255}, 2, 3, kRed, 127},
     {"OVC_BAYn_to_BGR24_med_A", 5, 5, 12, {2, 3, 4095, 4, 3, 4095, 3, 2, 4094, 3, 4, 1},
      3, 3, kGreen, 255},
     // med_B: the blue of column 0 is left unshifted, but not in RGB16.
@@ -113,7 +94,6 @@ const Case kCases[] = {
     {"OVC_BAYn_to_RGB16_med_C", 5, 4, 12, {1, 0, 3200}, 0, 0, kRedField, 3200 >> 7},
     // med: line 1 of one- and two-line images follows the last-line rules,
     // (1, 3) a red site: green from above and left, blue copied above-left.
-    {"OVC_BAY8_to_BGRX32_med_D", 4, 1, 8, {0, 3, 4, 1, 2, 7}, 1, 3, kGreen, (4 + 7) >> 1},
     {"OVC_BAY8_to_BGRX32_med_D", 4, 2, 8, {0, 3, 4, 1, 2, 7}, 1, 3, kGreen, (4 + 7) >> 1},
     {"OVC_BAY8_to_BGRX32_med_D", 4, 1, 8, {0, 2, 3}, 1, 3, kBlue, 3},
 };
@@ -139,16 +119,10 @@ uint32_t rendered(const DemosaicMember &m, const Case &c) {
     const bool reversed = m.output == (ORV_FORMAT_RGBX32 & 0xFFu);
     const uint32_t blue = p[reversed ? 2 : 0], green = p[1], red = p[reversed ? 0 : 2];
     const uint32_t word = uint32_t(p[0] | p[1] << 8);
-    switch (c.channel) {
-    case kRed: return red;
-    case kGreen: return green;
-    case kBlue: return blue;
-    case kRedField: return word >> 11;
-    case kGreenField: return (word >> 5) & 0x3F;
-    case kBlueField: return word & 0x1F;
-    case kWord: return word;
-    default: return blue == green && green == red ? red : ~0u;
-    }
+    // In the order of Channel.
+    const uint32_t by_channel[] = {red, green, blue, word >> 11, (word >> 5) & 0x3F, word & 0x1F,
+                                   word, blue == green && green == red ? red : ~0u};
+    return by_channel[c.channel];
 }
 
 TEST(DemosaicWorkedValues, EveryNamedSite) {
@@ -164,29 +138,26 @@ TEST(DemosaicWorkedValues, EveryNamedSite) {
 }
 
 // Checksums: every routine on four fixed mosaics of seeded random samples
-// (16-bit ones with bits above the depth) against the CRC-32 of its whole
-// destination, recorded when the routines agreed with a site-by-site model:
-// 7 x 5 at tight strides (reads past odd lines), 10 x 6 with padded strides
-// (the lone last column), 4 x 1 (line 1 read, two lines written by ave and
-// med), 70 x 4 (whole vector steps). The destination starts as 0xEE, so
-// X bytes, padding and the line after the image count.
+// (16-bit ones with bits above the depth): 7 x 5 at tight strides (reads
+// past odd lines), 10 x 6 with padded strides (the lone last column), 4 x 1
+// (line 1 read, two lines written by ave and med), 70 x 4 (whole vector
+// steps). The destination starts as 0xEE, so X bytes, padding and the line
+// after the image count.
 struct Mosaic {
     uint32_t width, height, depth, src_padding, dst_padding;
 };
 constexpr Mosaic kMosaics[] = {
     {7, 5, 12, 0, 0}, {10, 6, 10, 6, 5}, {4, 1, 16, 0, 0}, {70, 4, 14, 2, 3}};
-constexpr size_t kCount = sizeof kMosaics / sizeof kMosaics[0];
 
 uint32_t checksum(const DemosaicMember &m, const Mosaic &g, uint32_t seed) {
-    const uint32_t size = m.n_bit ? 2 : 1;
     const uint32_t lines = std::max(g.height, 2u);
-    const uint32_t src_stride = g.width * size + g.src_padding;
+    const uint32_t src_stride = g.width * (m.n_bit ? 2 : 1) + g.src_padding;
     const uint32_t dst_stride = g.width * orv_test::demosaic_pixel_bytes(m.output) + g.dst_padding;
     // Room for two samples past the last line read.
     TestImage source(m.n_bit ? ORV_FORMAT_BAY16 : ORV_FORMAT_BAY8, g.width, g.height,
                      src_stride, size_t(src_stride) * lines + 4);
     const std::vector<uint8_t> samples = orv_test::random_bytes(source.size(), seed);
-    std::memcpy(source.data(), samples.data(), samples.size());
+    std::copy(samples.begin(), samples.end(), source.data());
     TestImage destination(0xC0022600u | m.output, g.width, g.height, dst_stride,
                           size_t(dst_stride) * (lines + 1), 0xEE);
     EXPECT_EQ(m.call(source.handle(), destination.handle(), g.depth), ORV_OK) << m.name;
@@ -195,7 +166,7 @@ uint32_t checksum(const DemosaicMember &m, const Mosaic &g, uint32_t seed) {
 
 struct Recorded {
     const char *name;
-    uint32_t crc[kCount];
+    uint32_t crc[std::size(kMosaics)];
 };
 
 const Recorded kRecorded[] = {
@@ -287,7 +258,7 @@ TEST(DemosaicChecksums, EveryRoutineWritesWhatWasRecorded) {
     for (size_t i = 0; i < std::size(kDemosaicMembers); ++i) {
         const DemosaicMember &m = kDemosaicMembers[i];
         ASSERT_STREQ(kRecorded[i].name, m.name);
-        for (size_t g = 0; g < kCount; ++g)
+        for (size_t g = 0; g < std::size(kMosaics); ++g)
             EXPECT_EQ(checksum(m, kMosaics[g], uint32_t(g + 1)), kRecorded[i].crc[g])
                 << m.name << " on mosaic " << g;
     }

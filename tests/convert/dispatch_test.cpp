@@ -45,7 +45,7 @@ std::set<std::pair<uint32_t, uint32_t>> supported_pairs() {
 TEST(ConvertDispatch, EveryKeyIsConvertedExactlyWhenThePairIsSupported) {
     const auto pairs = supported_pairs();
     const uint32_t uppers[] = {0xC0022600u, 0x100u, 0x12345600u, 0xFFFFFF00u};
-    for (uint32_t s = 0; s <= 0x20; ++s) {
+    for (uint32_t s = 0; s <= 0x20; ++s)
         for (uint32_t d = 0; d <= 0x20; ++d) {
             TestImage src(uppers[s % 4] | s, 2, 0, 16, 64);
             TestImage dst(uppers[(s + d) % 4] | d, 2, 2, 16, 64);
@@ -55,7 +55,6 @@ TEST(ConvertDispatch, EveryKeyIsConvertedExactlyWhenThePairIsSupported) {
             EXPECT_EQ(OVC_Convert(src.handle(), dst.handle()), expected)
                 << std::hex << "source 0x" << s << " destination 0x" << d;
         }
-    }
 }
 
 // One parameter of the source or of the destination set to a value that is
@@ -107,7 +106,9 @@ TEST(ConvertDispatch, RefusalsAndEmptyImagesLeaveTheDestinationUntouched) {
 
 // The capacity test: a W x H source needs W x H x k <= m x stride x height
 // of the destination, each side a 32-bit product that may wrap; refused,
-// nothing is written.
+// nothing is written. Each form (k, m) for a 6 x 5 source: an exact fit
+// converts, a byte less is refused, and for m > 1 so is a stride whose
+// m-fold product wraps although the stride alone would hold the image.
 struct Capacity {
     uint32_t src, dst;
     uint32_t width, height;      // source
@@ -116,10 +117,6 @@ struct Capacity {
     ORV_STATUS status;
 };
 
-// Every form of every family as (k, m), for a 6 x 5 source: an exact fit
-// converts; one byte less is refused; and where m > 1, a stride whose
-// m-fold product wraps to a few bytes is refused although the stride alone
-// would hold the image.
 struct CapacityForm {
     uint32_t src, dst, k, m;
 };
@@ -140,7 +137,6 @@ const CapacityForm capacity_forms[] = {
     // YUV 4:2:2 and Bayer (dup, phase A)
     {0x1E, 0x0C, 4, 1}, {0x1E, 0x12, 6, 2}, {0x16, 0x06, 2, 1}, {0x16, 0x08, 4, 1},
     {0x16, 0x0D, 4, 1}, {0x16, 0x0B, 2, 1}, {0x16, 0x11, 3, 1}, {0x17, 0x11, 6, 2},
-    {0x1A, 0x0D, 4, 1},
 };
 
 TEST(ConvertCapacity, EveryFormFitsExactlyAndWrapsAsStated) {
@@ -178,8 +174,7 @@ TEST(ConvertCapacity, EveryFormFitsExactlyAndWrapsAsStated) {
     }
 }
 
-// The copy needs identical formats, equal strides and heights, skips the
-// capacity test (a source wider than its stride still copies) and copies
+// The copy: identical formats, equal strides and heights, no capacity test,
 // height x stride bytes formed in 32 bits (2 x 0x80000001: two bytes).
 // Otherwise each source row moves its own width of pixels, the destination
 // steps by its stride and its padding stays untouched.
@@ -199,7 +194,6 @@ constexpr uint32_t Y8 = ORV_FORMAT_Y8, Y16 = ORV_FORMAT_Y16, Big = 0x80000001u;
 
 const CopyCase copy_cases[] = {
     {"Y8 copy, no capacity test", Y8, Y8, {10, 3, 8, 24}, {1, 3, 8, 24}, ORV_OK, 1, 24, 0, 0},
-    {"Y16 copy, no capacity test", Y16, Y16, {10, 3, 8, 24}, {1, 3, 8, 24}, ORV_OK, 1, 24, 0, 0},
     {"Y8 copy of a wrapped size", Y8, Y8, {1, 2, Big, 2}, {1, 2, Big, 4}, ORV_OK, 1, 2, 0, 0},
     {"Y16 copy of a wrapped size", Y16, Y16, {1, 2, Big, 2}, {1, 2, Big, 4}, ORV_OK, 1, 2, 0, 0},
     {"Y8 heights differ", Y8, Y8, {3, 2, 4, 8}, {3, 3, 4, 12}, ORV_OK, 2, 3, 4, 4},
@@ -228,10 +222,9 @@ TEST(ConvertIdenticalFormat, CopyOnlyForEqualStridesAndHeights) {
     }
 }
 
-// A Bayer source reaches the routine its method and phase name: the same
-// bytes as a direct call with the source format's depth.
+// A Bayer source reaches the routine its method and phase name (known ones,
+// then unknown): the same bytes as a direct call with the source's depth.
 TEST(BayerRouting, EachMethodAndPhaseReachesItsRoutine) {
-    // The known methods and phases first, then unknown ones.
     const uint32_t methods[] = {ORV_BAYER_METHOD_DUP, ORV_BAYER_METHOD_AVE,
                                 ORV_BAYER_METHOD_MED, 0x409, 0x0A, 0};
     const uint32_t phases[] = {ORV_BAYER_PHASE_A, ORV_BAYER_PHASE_B, ORV_BAYER_PHASE_C,
