@@ -67,15 +67,13 @@ using Call = std::function<ORV_STATUS(OFS_HANDLE, OFS_HANDLE, const DemosaicMemb
 
 ORV_STATUS convert(OFS_HANDLE s, OFS_HANDLE d, const DemosaicMember &) { return OVC_Convert(s, d); }
 Call demosaic(uint32_t depth) {
-    return [depth](OFS_HANDLE s, OFS_HANDLE d, const DemosaicMember &m) { return m.call(s, d, depth); };
+    return [depth](auto s, auto d, const DemosaicMember &m) { return m.call(s, d, depth); };
 }
 Call dispatch(uint32_t method) {
-    return [method](OFS_HANDLE f, OFS_HANDLE g, const DemosaicMember &) {
-        return OVC_FieldToFrame(f, g, method, 1);
-    };
+    return [method](auto f, auto g, auto &) { return OVC_FieldToFrame(f, g, method, 1); };
 }
 Call routine(ORV_STATUS (*method)(OFS_HANDLE, OFS_HANDLE, uint32_t)) {
-    return [method](OFS_HANDLE f, OFS_HANDLE g, const DemosaicMember &) { return method(f, g, 1); };
+    return [method](auto f, auto g, auto &) { return method(f, g, 1); };
 }
 // A file type for OVC_FileWrite, or 0 for OVC_FileWriteTiff itself.
 Call file(uint32_t type) {
