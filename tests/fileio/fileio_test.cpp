@@ -152,25 +152,20 @@ TEST(TiffFile, SmallFilesMatchTheGoldenBytes) {
         const std::string path = scratch_path("golden.tif");
         EXPECT_EQ(OVC_FileWriteTiff(image.handle(), path.c_str()), ORV_OK);
         EXPECT_EQ(read_file(path), golden(format)) << std::hex << format;
-        // OVC_FileWrite of type 3 writes the same file.
-        EXPECT_EQ(OVC_FileWrite(image.handle(), path.c_str(), OVC_FILE_TIFF), ORV_OK);
-        EXPECT_EQ(read_file(path), golden(format)) << std::hex << format;
     }
 }
 
-// Larger files, many stream buffers long, lines back to back and padded:
-// the strip holds each line's first W bytes. Sizes of 2^16 and more go
-// into the 16-bit width and height fields cut to their low bits, which
-// libtiff cannot read, so only those are checked.
+// Larger files, many stream buffers long, padded lines: the strip holds
+// each line's first W bytes. Sizes of 2^16 and more go into the 16-bit
+// width and height cut to their low bits; libtiff cannot read those.
 TEST(TiffFile, LargeFilesReadBackWithLibtiff) {
     struct Case {
         uint32_t format, width, height, stride;
     };
     const Case cases[] = {
-        {ORV_FORMAT_Y8, 1920, 1080, 1920}, {ORV_FORMAT_Y8, 1000, 7, 1000},
-        {ORV_FORMAT_Y8, 641, 9, 700},      {ORV_FORMAT_BGR24, 1920, 540, 5760},
-        {ORV_FORMAT_Y8, 3, 0, 4},          {ORV_FORMAT_Y8, 70000, 1, 70000},
-        {ORV_FORMAT_BGR24, 65537, 2, 196611},
+        {ORV_FORMAT_Y8, 1920, 1080, 1920}, {ORV_FORMAT_Y8, 641, 9, 700},
+        {ORV_FORMAT_BGR24, 1920, 540, 5760}, {ORV_FORMAT_Y8, 3, 0, 4},
+        {ORV_FORMAT_Y8, 70000, 1, 70000}, {ORV_FORMAT_BGR24, 65537, 2, 196611},
     };
     for (const auto &c : cases) {
         TestImage image(c.format, c.width, c.height, c.stride);
