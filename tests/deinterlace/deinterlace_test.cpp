@@ -41,10 +41,9 @@ TEST(Median6, MatchesASort) {
 }
 
 // Field layouts: short, odd and misaligned strides (24-bit lines of 4 and
-// 7, 32-bit ones of 14, YUV ones of 9 and 11), then lines of several
-// vectors at every level, odd and even widths, padded by odd strides and
-// by a 32-bit one that is not a multiple of 4. Y16 lines are plain bytes
-// to LineDup and LineAve and refused by the others.
+// 7, 32-bit ones of 14, YUV ones of 9 and 11), then lines of several vectors
+// padded by odd strides and by a 32-bit one that is not a multiple of 4. Y16
+// lines are plain bytes to LineDup and LineAve and refused by the others.
 struct Layout {
     uint32_t format, width, stride;
     uint32_t crc[4]; // LineDup, LineAve, Bilinear, Median (0: refused)
@@ -70,36 +69,21 @@ const Layout kLayouts[] = {
     {ORV_FORMAT_YUV422, 5, 11, {0x29BD94A6, 0x2CAD4A0D, 0x1E57B437, 0x4631C95F}},
     {ORV_FORMAT_YUV422, 6, 12, {0x09C4BC3E, 0x54C7D3E8, 0x863B5525, 0xF6DF30B5}},
     {ORV_FORMAT_YUV422, 10, 24, {0x74927012, 0x9E1E5529, 0x9CCDEBAC, 0x7A4C958A}},
-    {ORV_FORMAT_Y8, 67, 67, {0x4DA2284D, 0xE5AA69CF, 0x33E1930B, 0x23E7256C}},
-    {ORV_FORMAT_Y8, 130, 130, {0x33F1A2B0, 0x53D4C6ED, 0x46261912, 0xC67999CA}},
     {ORV_FORMAT_Y8, 130, 135, {0x8FCDB518, 0x949101D0, 0xBACD7196, 0xB7DA89EB}},
-    {ORV_FORMAT_BGR24, 45, 135, {0x8FCDB518, 0x949101D0, 0x65BA37E7, 0xF918AFA3}},
     {ORV_FORMAT_RGB24, 64, 192, {0x9FF3C238, 0x8F100A10, 0x4FC246CD, 0xCE13FD6F}},
     {ORV_FORMAT_BGR24, 64, 199, {0x8CC355F0, 0x1EAFEB6B, 0xAED4D3F2, 0x2B6A8D87}},
-    {ORV_FORMAT_BGRX32, 33, 132, {0x659B742D, 0xC77B2FC0, 0x078222D9, 0x1299B4AC}},
     {ORV_FORMAT_XRGB32, 50, 200, {0x7A584804, 0x8BC9684A, 0x84867D57, 0xB05C3FD6}},
-    {ORV_FORMAT_BGRX32, 50, 204, {0xDDCC915A, 0x58FF27F2, 0x434993BE, 0xA6661283}},
     {ORV_FORMAT_RGBX32, 50, 206, {0x63EC35E3, 0x30F26AB1, 0xDD57323A, 0xB7EA6559}},
-    {ORV_FORMAT_YUV422, 35, 70, {0x3BB6C1EF, 0x7728133B, 0x605F4024, 0x2059F1B8}},
     {ORV_FORMAT_YUV422, 64, 128, {0x4502DD99, 0x24F1BEDB, 0x94C89DAE, 0xFEB39F2B}},
     {ORV_FORMAT_YUV422, 64, 131, {0xAE426D44, 0xFF24977D, 0xC98F57A3, 0xC705879D}},
-    {ORV_FORMAT_YUV422, 64, 132, {0x659B742D, 0xC77B2FC0, 0x2FCB70F8, 0x3A6855A3}},
     {ORV_FORMAT_Y16, 5, 11, {0x29BD94A6, 0x2CAD4A0D, 0x00000000, 0x00000000}},
-};
-
-// A buffer handle over memory the test placed.
-struct HandleAt {
-    HandleAt(uint8_t *pixels, uint32_t format, uint32_t width, uint32_t height, uint32_t stride)
-        : handle(OFS_BufferCreateImage(pixels, width, height, stride, format)) {}
-    ~HandleAt() { OFS_BufferDestroy(handle); }
-    const OFS_HANDLE handle;
 };
 
 // The CRC-32 of every frame a method makes of random fields of 1 to 9
 // lines and of 40, with each parity, one after another. The field and the
 // frame end at an inaccessible page where the frame's lines stop; the
-// frame starts as 0xA5 and its own stride, which does not place the
-// lines, is wider than the field's.
+// frame starts as 0xA5. Its own stride, which does not place the lines, is
+// its width: the capacity test counts pixels against bytes, and passes.
 TEST(FieldToFrame, FramesMatchTheirRecordedChecksums) {
     orv_test::GuardedBytes field_memory(1 << 16), frame_memory(1 << 16);
     for (const Layout &layout : kLayouts)
@@ -113,12 +97,13 @@ TEST(FieldToFrame, FramesMatchTheirRecordedChecksums) {
                     const orv_test::Reach reach =
                         orv_test::frame_reach(height, layout.stride, parity != 0, line);
                     const Bytes pixels = orv_test::random_bytes(reach.field, height + parity);
-                    const HandleAt field(field_memory.place(pixels), layout.format,
-                                         layout.width, height, layout.stride);
-                    const HandleAt frame(frame_memory.place(Bytes(reach.frame, 0xA5)),
-                                         layout.format, layout.width, 2 * height,
-                                         layout.stride + 3);
-                    EXPECT_EQ(OVC_FieldToFrame(field.handle, frame.handle, method, parity),
+                    // Images whose pixels are moved to the guarded memory.
+                    TestImage field(layout.format, layout.width, height, layout.stride, 1);
+                    TestImage frame(layout.format, layout.width, 2 * height, layout.width, 1);
+                    field.set_pointer(OFS_START_ADDR, uintptr_t(field_memory.place(pixels)));
+                    frame.set_pointer(OFS_START_ADDR,
+                                      uintptr_t(frame_memory.place(Bytes(reach.frame, 0xA5))));
+                    EXPECT_EQ(OVC_FieldToFrame(field.handle(), frame.handle(), method, parity),
                               shape == Shape::unhandled ? ORV_ERROR_NOT_SUPPORTED : ORV_OK);
                     const Bytes written = frame_memory.last(reach.frame);
                     frames.insert(frames.end(), written.begin(), written.end());
@@ -148,6 +133,11 @@ TEST(FieldToFrame, WorkedValues) {
         {kBilinear, ORV_FORMAT_BGRX32, Bytes(8, 9), {1, 2, 3, 4, 5, 6, 7, 8},
          {5, 5, 6, 6, 7, 7, 8, 8}},
         {kMedian, ORV_FORMAT_BGR24, Bytes(6, 0), {2, 4, 6, 8, 10, 12}, {1, 2, 3, 4, 5, 6}},
+        // Six 32-bit pixels: the median line is three pixels (12 bytes)
+        // long, and the next field line is read and written 12 bytes early.
+        {kMedian, ORV_FORMAT_BGRX32,
+         {0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1}, Bytes(24, 8),
+         {4, 4, 4, 4, 4, 4, 4, 4, 4, 4, 4, 4, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1}},
         // A one-byte Y8 stride: a mean (its second byte is overwritten).
         {kMedian, Y8, {8}, {4}, {6}},
         // Luma bytes 2 and 4 weigh neighbours two bytes away; chroma would
@@ -168,25 +158,6 @@ TEST(FieldToFrame, WorkedValues) {
     }
 }
 
-TEST(FieldToFrame, MedianShearsThirtyTwoBitFramesByThreePixelsPerLine) {
-    // Six pixels a line: each filled line is 12 bytes, so the next field
-    // line is read, and the next frame line written, 12 bytes early. The
-    // capacity test counts 2 x 6 x 3 pixels against 6 x 6 bytes, and passes:
-    // the frame's own stride does not place the lines.
-    const uint32_t stride = 24, height = 3;
-    TestImage field(ORV_FORMAT_BGRX32, 6, height, stride);
-    const Bytes pixels = orv_test::random_bytes(field.size(), 24);
-    std::copy(pixels.begin(), pixels.end(), field.data());
-    TestImage frame(ORV_FORMAT_BGRX32, 6, 2 * height, 6, 2 * height * stride, 0xA5);
-    ASSERT_EQ(OVC_FieldToFrame_Median(field.handle(), frame.handle(), 0), ORV_OK);
-    const auto at = [&](size_t offset) {
-        return Bytes(frame.data() + offset, frame.data() + offset + 24);
-    };
-    EXPECT_EQ(at(48 + 12), Bytes(pixels.begin() + 12, pixels.begin() + 36)); // F1
-    EXPECT_EQ(at(48 + 12 + 24 + 12), Bytes(pixels.begin() + 24, pixels.begin() + 48)); // F2
-    EXPECT_EQ(frame.bytes().back(), 0xA5); // the frame ends 24 bytes short
-}
-
 // OVC_FieldToFrame's refusals, through each method: the frame keeps its bytes.
 TEST(FieldToFrame, RefusalsWriteNothing) {
     enum Spoil { keep, field_invalid, frame_invalid, field_null, frame_null };
@@ -201,13 +172,10 @@ TEST(FieldToFrame, RefusalsWriteNothing) {
         {"field invalid", kDup, Y8, 4, 2, 4, 4, 4, field_invalid, kBad},
         {"frame invalid", kAve, Y8, 4, 2, 4, 4, 4, frame_invalid, kBad},
         {"unknown method", 4, Y8, 4, 2, 4, 4, 4, keep, kNo},
-        {"unknown method, frame invalid", 4, Y8, 4, 2, 4, 4, 4, frame_invalid, kBad},
         {"field address null", kBilinear, Y8, 4, 2, 4, 4, 4, field_null, kBad},
         {"frame address null", kMedian, Y8, 4, 2, 4, 4, 4, frame_null, kBad},
         {"format zero", kBilinear, 0, 4, 2, 4, 4, 4, keep, kBad},
         {"frame too small", kDup, Y8, 4, 3, 4, 5, 4, keep, kBad},
-        {"too small before the format", kMedian, ORV_FORMAT_Y16, 4, 3, 8, 5, 4, keep, kBad},
-        {"Y16 not laid out", kBilinear, ORV_FORMAT_Y16, 4, 2, 8, 4, 8, keep, kNo},
         {"RGB16 not laid out", kMedian, ORV_FORMAT_RGB16, 4, 2, 8, 4, 8, keep, kNo},
         {"Y8 code with other upper bits", kMedian, 0x00022601u, 4, 2, 4, 4, 4, keep, kNo},
         {"field height 0", kAve, Y8, 4, 0, 4, 4, 4, keep, kBad},
@@ -234,15 +202,13 @@ TEST(FieldToFrame, RefusalsWriteNothing) {
 
 TEST(FieldToFrame, CapacityWrapsAndRoutinesLeaveTheFramesValidityToTheDispatcher) {
     // 2 x 2^31 x 1 pixels wrap to 0 and fit any frame; the method routines
-    // leave testing the frame's validity to OVC_FieldToFrame.
-    for (auto routine : {OVC_FieldToFrame_LineDup, OVC_FieldToFrame_LineAve,
-                         OVC_FieldToFrame_Bilinear, OVC_FieldToFrame_Median}) {
-        TestImage wide(Y8, 0x80000000u, 1, 4, 4, 0x11);
-        TestImage small(Y8, 1, 2, 4, 8, 0x5A);
-        small.set_pointer(OFS_BUFFER_VALID, 0);
-        EXPECT_EQ(routine(wide.handle(), small.handle(), 0), ORV_OK);
-        EXPECT_EQ(small.bytes(), Bytes(8, 0x11)); // F0 twice
-    }
+    // leave testing the frame's validity to OVC_FieldToFrame (LineDup here,
+    // Bilinear, which reads the format, in query_order_test).
+    TestImage wide(Y8, 0x80000000u, 1, 4, 4, 0x11);
+    TestImage small(Y8, 1, 2, 4, 8, 0x5A);
+    small.set_pointer(OFS_BUFFER_VALID, 0);
+    EXPECT_EQ(OVC_FieldToFrame_LineDup(wide.handle(), small.handle(), 0), ORV_OK);
+    EXPECT_EQ(small.bytes(), Bytes(8, 0x11)); // F0 twice
 }
 
 } // namespace

@@ -152,25 +152,20 @@ TEST(TiffFile, SmallFilesMatchTheGoldenBytes) {
         const std::string path = scratch_path("golden.tif");
         EXPECT_EQ(OVC_FileWriteTiff(image.handle(), path.c_str()), ORV_OK);
         EXPECT_EQ(read_file(path), golden(format)) << std::hex << format;
-        // OVC_FileWrite of type 3 writes the same file.
-        EXPECT_EQ(OVC_FileWrite(image.handle(), path.c_str(), OVC_FILE_TIFF), ORV_OK);
-        EXPECT_EQ(read_file(path), golden(format)) << std::hex << format;
     }
 }
 
-// Larger files, many stream buffers long, lines back to back and padded:
-// the strip holds each line's first W bytes. Sizes of 2^16 and more go
-// into the 16-bit width and height fields cut to their low bits, which
-// libtiff cannot read, so only those are checked.
+// Larger files, many stream buffers long, padded lines: the strip holds
+// each line's first W bytes. Sizes of 2^16 and more go into the 16-bit
+// width and height cut to their low bits; libtiff cannot read those.
 TEST(TiffFile, LargeFilesReadBackWithLibtiff) {
     struct Case {
         uint32_t format, width, height, stride;
     };
     const Case cases[] = {
-        {ORV_FORMAT_Y8, 1920, 1080, 1920}, {ORV_FORMAT_Y8, 1000, 7, 1000},
-        {ORV_FORMAT_Y8, 641, 9, 700},      {ORV_FORMAT_BGR24, 1920, 540, 5760},
-        {ORV_FORMAT_Y8, 3, 0, 4},          {ORV_FORMAT_Y8, 70000, 1, 70000},
-        {ORV_FORMAT_BGR24, 65537, 2, 196611},
+        {ORV_FORMAT_Y8, 1920, 1080, 1920}, {ORV_FORMAT_Y8, 641, 9, 700},
+        {ORV_FORMAT_BGR24, 1920, 540, 5760}, {ORV_FORMAT_Y8, 3, 0, 4},
+        {ORV_FORMAT_Y8, 70000, 1, 70000}, {ORV_FORMAT_BGR24, 65537, 2, 196611},
     };
     for (const auto &c : cases) {
         TestImage image(c.format, c.width, c.height, c.stride);
@@ -192,11 +187,8 @@ TEST(TiffFile, LargeFilesReadBackWithLibtiff) {
         EXPECT_EQ(uint32_t(file[42] << 8 | file[43]), c.height & 0xFFFF) << c.width;
         if (c.width > 0xFFFF || c.height == 0) continue;
 #ifdef ORV_HAVE_LIBTIFF
-        // BGR24 strips are shorter than their StripByteCounts, which libtiff
-        // would report on stderr.
-        TIFFSetWarningHandler(nullptr);
-        TIFFSetErrorHandler(nullptr);
-        TIFF *tiff = TIFFOpen(path.c_str(), "rc"); // c: the strip as written, not chopped
+        TIFFSetWarningHandler(nullptr); // quiet about BGR24's short strip
+        TIFF *tiff = TIFFOpen(path.c_str(), "rc"); // c: RowsPerStrip as written
         ASSERT_NE(tiff, nullptr) << c.width;
         uint32_t width = 0, height = 0, rows_per_strip = 0;
         uint16_t bits = 0, samples = 0, photometric = 0;
@@ -210,12 +202,6 @@ TEST(TiffFile, LargeFilesReadBackWithLibtiff) {
         EXPECT_EQ(std::make_tuple(width, height, rows_per_strip, bits, samples, photometric),
                   std::make_tuple(c.width, c.height, c.height, uint16_t(8),
                                   uint16_t(colour ? 3 : 1), kind));
-        Bytes strip(size_t(TIFFStripSize(tiff)));
-        const tmsize_t got = TIFFReadRawStrip(tiff, 0, strip.data(), tmsize_t(strip.size()));
-        strip.resize(size_t(std::max<tmsize_t>(0, got)));
-        if (!colour) {
-            EXPECT_EQ(strip, lines) << c.width;
-        }
         TIFFClose(tiff);
 #else
         GTEST_SKIP() << "libtiff for this target is not installed: no read back";
@@ -272,12 +258,10 @@ enum Target {
 
 enum Spoil { keep, invalid, null_address, no_format };
 
-// Y8 lines of 512 bytes. One line fits the stream's buffer and goes out
-// at the close; 512 lines go out at once, in the raw writer's fwrite.
-// TIFF pixel bytes go out as putc puts them: a byte that finds the
-// stream's buffer (4096 bytes here) full flushes it, or is dropped with it
-// when the device refuses; the close reports the bytes left in the buffer
-// that it cannot write.
+// Y8 lines of 512 bytes: one fits the stream's buffer (4096 bytes) and goes
+// out at the close; 512 go out at once, in the raw writer's fwrite. TIFF
+// bytes go out as putc puts them: a byte that finds the buffer full flushes
+// it, or is dropped with it when the device refuses.
 constexpr uint32_t kLine = 512, kShort = 1, kLong = 512;
 constexpr uint32_t Y8 = ORV_FORMAT_Y8, BGR24 = ORV_FORMAT_BGR24;
 constexpr rlim_t kNoLimit = RLIM_INFINITY;
@@ -325,30 +309,20 @@ TEST(FileWriters, RefusalsAndFaultsGiveTheirStatusAndLeaveOnlyAFailedTiffStreamO
     const Fault faults[] = {
         // Refusals (no file made), then paths that cannot be opened.
         {0, file, Y8, 4, 2, kNoLimit, keep, ORV_ERROR_NOT_SUPPORTED, 0, kNoFile},
-        {1, file, Y8, 4, 2, kNoLimit, keep, ORV_ERROR_NOT_SUPPORTED, 0, kNoFile},
         {4, file, Y8, 4, 2, kNoLimit, keep, ORV_ERROR_NOT_SUPPORTED, 0, kNoFile},
-        {4, file, Y8, 4, 2, kNoLimit, invalid, kBad, 0, kNoFile},
         {raw, file, Y8, 4, 2, kNoLimit, null_address, kBad, 0, kNoFile},
         {tiff, file, Y8, 4, 2, kNoLimit, invalid, kBad, 0, kNoFile},
         {tiff, file, Y8, 4, 2, kNoLimit, no_format, kBad, 0, kNoFile},
         {raw, null_path, Y8, kLine, kShort, kNoLimit, keep, kOpenFailed, 0, kNoFile},
-        {tiff, null_path, Y8, kLine, kShort, kNoLimit, keep, kOpenFailed, 0, kNoFile},
-        {raw, missing_dir, Y8, kLine, kShort, kNoLimit, keep, kOpenFailed, 0, kNoFile},
         {tiff, missing_dir, Y8, kLine, kShort, kNoLimit, keep, kOpenFailed, 0, kNoFile},
         // Raw: a long write fails in the fwrite, a buffered one at the close.
-        {raw, full_device, Y8, kLine, kLong, kNoLimit, keep, kWriteFailed, 0, kNoFile},
-        {raw, full_device, Y8, kLine, kShort, kNoLimit, keep, kCloseFailed, 0, kNoFile},
         {raw, file, Y8, kLine, kLong, 1000, keep, kWriteFailed, 0, 1000},
         {raw, file, Y8, kLine, kShort, 100, keep, kCloseFailed, 0, 100},
         // A FIFO cannot tell its position: the first offset stops the file.
         {tiff, fifo, Y8, kLine, kShort, kNoLimit, keep, kBad, 1, kNoFile},
         {tiff, file, Y8, kLine, kShort, 100, keep, kCloseFailed, 0, 100},
-        {tiff, file, Y8, kLine, kLong, 100, keep, kCloseFailed, 0, 100},
         {tiff, file, Y8, 1920, 1080, 100000, keep, kCloseFailed, 0, 100000},
         {tiff, file, BGR24, 640, 480, 100000, keep, kCloseFailed, 0, 100000},
-        {tiff, full_device, Y8, kLine, kShort, kNoLimit, keep, kCloseFailed, 0, kNoFile},
-        {tiff, full_device, BGR24, 5, 3, kNoLimit, keep, kCloseFailed, 0, kNoFile},
-        {tiff, full_device, Y8, 1920, 1080, kNoLimit, keep, kCloseFailed, 0, kNoFile},
         {tiff, full_device, BGR24, 1920, 540, kNoLimit, keep, kCloseFailed, 0, kNoFile},
         {tiff, full_device, Y8, 16384, 2, kNoLimit, keep, kCloseFailed, 0, kNoFile},
         // The last byte finds the buffer full and is dropped with it: the
