@@ -145,12 +145,13 @@ def test_demosaic_matches_the_library(shape, dtype, depth, method, phase, output
     ((4, 1), None, "median", "even"),  # a one-pixel Y8 line reads two bytes
     ((3, 1, 3), None, "bilinear", "odd"),  # a one-pixel BGR24 line reads six
     ((3, 4, 4), None, "lineave", "even"),
+    ((2, 6, 2), None, "bilinear", "odd"),
     ((3, 5), "y16", "linedup", "even"),
 ])
 def test_field_to_frame_matches_the_library(shape, fmt, method, parity):
     field = random(shape, np.uint16 if fmt == "y16" else np.uint8)
     frame = orvane.field_to_frame(field, method, parity, fmt)
-    name = fmt or {2: "y8", 3: {3: "bgr24", 4: "bgrx32"}.get(shape[-1])}[len(shape)]
+    name = fmt or {2: "y8", 3: {2: "yuv422", 3: "bgr24", 4: "bgrx32"}.get(shape[-1])}[len(shape)]
     line = field[0].nbytes
     reference = np.zeros((2 * shape[0],) + shape[1:], field.dtype)
     assert c_call("OVC_FieldToFrame", [(memory(field, tail=8), shape[1], shape[0], line, name),
@@ -196,6 +197,7 @@ def test_files_hold_what_the_library_writes(tmp_path, image, fmt):
     (lambda: orvane.demosaic(np.zeros((2, 2), np.uint8), "e"), "phase must be 'a', 'b', 'c' or 'd'"),
     (lambda: orvane.demosaic(np.zeros((2, 1), np.uint8), "a"), "at least 2 columns"),
     (lambda: orvane.demosaic(np.zeros((2, 2), np.uint16), "a", depth=9), "depth must be 10, 12, 14 or 16"),
+    (lambda: orvane.field_to_frame(np.zeros((2, 2), np.uint8), "median", "top"), "parity must be"),
     (lambda: orvane.write_tiff("x.tif", np.zeros((2, 2), np.uint16)), "write_tiff takes y8 images"),
 ])
 def test_bad_arguments_say_what_was_expected(call, message):
