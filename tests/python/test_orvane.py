@@ -92,7 +92,7 @@ def test_convert_matches_the_library(image, name, to, reference):
     width = image.shape[1] * 2 // 3 if name == "y12p" else image.shape[1]
     np.testing.assert_array_equal(result, reference(image, width, name, to, result.shape))
     assert result.flags.c_contiguous
-    # So do a strided view and one with a reversed inner axis (RGB30 into RGB48: see below).
+    # A strided view and one with a reversed inner axis give the same (RGB30: see below).
     wide = np.zeros((image.shape[0] + 2, image.shape[1] + 3) + image.shape[2:], image.dtype)
     wide[1:-1, 1:-2] = image
     strided = image if to == "rgb48" else wide[1:-1, 1:-2]
