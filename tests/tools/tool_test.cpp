@@ -386,7 +386,8 @@ const Ending kEndings[] = {
     {"convert grey.pgm folder.raw/../grey.pgm -o .", 2, "would both be written to"},
     {"", 2, "no command (one of demo, convert, deinterlace, formats"},
     {"frobnicate", 2, "unknown command 'frobnicate' (one of demo"},
-    // Runs that go on, saying in one line what the user must know, or choosing for them.
+    // Runs that go on, saying in one line what the user must know, or
+    // choosing for them.
     {"convert mosaic.raw --format bay8 --width 15 --height 8 -o o.png", 0,
      "mosaic.raw: the file holds 128 bytes, 15 x 8 bay8 at stride 15 reads the first 120",
      "converted 1 of 1 file"},
@@ -399,6 +400,8 @@ const Ending kEndings[] = {
     {"deinterlace --help", 0, nullptr, "bilinear, median: y8 xbgr32"},
     // The pairs and Bayer methods as the library answers them.
     {"formats", 0, nullptr, "\n  04      -> (none: not a source)\n"},
+    {"formats", 0, nullptr, "\n  y8      -> y8 y16 y32 rgb15 rgb16 xbgr32 bgrx32 bgr48 bgr15 bgr16 "
+                            "xrgb32 rgbx32 rgb48 rgb30 bgr30 bgr24 rgb24 y10 y12 y14 bgr36 1d\n"},
     {"formats", 0, nullptr, "\n  bay8    -> rgb16 (dup ave med) bgrx32 (dup ave med) bgr16 (dup, "
                             "phase a only) rgbx32 (dup) bgr24 (dup ave med)\n"},
 };
