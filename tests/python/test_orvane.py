@@ -51,8 +51,7 @@ def c_call(routine, buffers, *args):
 
 
 def c_convert(image, width, fmt, to, shape, bayer=()):
-    """OVC_Convert of the packed image (zeros after it) into a zeroed
-    destination of `shape` and dtype of `to`."""
+    """OVC_Convert of the packed image (zeros after it) into zeros of `shape` and `to`'s dtype."""
     dst = np.zeros(shape, FORMATS[to]["dtype"])
     dst_mem = memory(dst, tail=2 * dst[0].nbytes + 64)
     src_line = image[0].nbytes if image.shape[0] else 0
@@ -63,8 +62,7 @@ def c_convert(image, width, fmt, to, shape, bayer=()):
 
 
 def c_convert_by_lines(image, width, fmt, to, shape):
-    """Each line converted alone: odd-width pairs read and write one pixel
-    past it, into zeros."""
+    """Each line alone: odd-width pairs read and write one pixel past it, into zeros."""
     lines = [c_convert(image[y:y + 1], width, fmt, to, (1,) + shape[1:]) for y in range(shape[0])]
     return np.concatenate(lines)
 
@@ -73,11 +71,9 @@ def c_convert_by_lines(image, width, fmt, to, shape):
 INFERRED = {"y8", "y16", "bgrx32", "bgr48", "rgb30", "bgr24", "yuv422"}
 CONVERSIONS = [  # source, its format, destination, reference
     (random((3, 5)), "y8", "bgrx32", c_convert),
-    (random((4, 7), np.uint16), "y16", "rgb16", c_convert),
     (random((4, 7), np.uint16) >> 4, "y12", "bgr24", c_convert),
     (random((3, 5, 3)), "bgr24", "rgb30", c_convert),
     (random((3, 5, 3), np.uint16), "bgr48", "bgr24", c_convert),
-    (random((3, 5, 4)), "bgrx32", "bgr24", c_convert),
     (random((3, 5)), "y8", "y8", c_convert),
     (random((3, 5), np.uint32), "rgb30", "rgb48", c_convert),  # reads a pixel past each line
     (random((3, 5, 2)), "yuv422", "bgrx32", c_convert_by_lines),  # odd: a pixel past
@@ -94,8 +90,7 @@ def test_convert_matches_the_library(image, name, to, reference):
     width = image.shape[1] * 2 // 3 if name == "y12p" else image.shape[1]
     np.testing.assert_array_equal(result, reference(image, width, name, to, result.shape))
     assert result.flags.c_contiguous
-    # A strided view and a view with a reversed inner axis read the same
-    # image (RGB30 into RGB48 reads the pixel after each line: see below).
+    # A strided view and one with a reversed inner axis give the same (RGB30: see below).
     wide = np.zeros((image.shape[0] + 2, image.shape[1] + 3) + image.shape[2:], image.dtype)
     wide[1:-1, 1:-2] = image
     strided = image if to == "rgb48" else wide[1:-1, 1:-2]
@@ -103,9 +98,8 @@ def test_convert_matches_the_library(image, name, to, reference):
     if image.ndim == 3:
         flipped = np.ascontiguousarray(image[..., ::-1])[..., ::-1]
         np.testing.assert_array_equal(orvane.convert(flipped, to, source_format=fmt), result)
-    # So does writing into `out`, a view of a larger array whose other
-    # elements keep their value (equal strides included: Y8 into Y8), and
-    # so do X bytes unless a grey source writes them.
+    # So does writing into `out`, a view of a larger array whose other elements keep
+    # their value (equal strides included: Y8 into Y8), X bytes too unless grey writes them.
     canvas = np.full((result.shape[0] + 1, result.shape[1] + 3) + result.shape[2:], 0xAA, result.dtype)
     out = canvas[1:, 1:-2]
     assert orvane.convert(strided, to, source_format=fmt, out=out) is out
@@ -130,7 +124,6 @@ def test_rgb30_to_rgb48_reads_the_next_pixel_of_a_larger_array_in_place():
     ((1, 5), np.uint8, None, "dup", "d", "rgbx32"),
     ((4, 9), np.uint16, 12, "med", "b", "bgrx32"),
     ((4, 6), np.uint16, None, "dup", "a", "bgr24"),
-    ((3, 4), np.uint8, None, "dup", "a", "bgr16"),
 ])
 def test_demosaic_matches_the_library(shape, dtype, depth, method, phase, output):
     mosaic = random(shape, dtype) >> (16 - depth if depth else 0)
@@ -146,7 +139,6 @@ def test_demosaic_matches_the_library(shape, dtype, depth, method, phase, output
 
 
 @pytest.mark.parametrize("shape, fmt, method, parity", [
-    ((3, 5), None, "median", "odd"),
     ((4, 1), None, "median", "even"),  # a one-pixel Y8 line reads two bytes
     ((3, 1, 3), None, "bilinear", "odd"),  # a one-pixel BGR24 line reads six
     ((3, 4, 4), None, "lineave", "even"),

@@ -156,10 +156,8 @@ int bar_error(const Picture &p) {
 }
 
 // The demo writes every file its table lists and nothing else, each showing
-// the chart's bars (YUV rounds twice, the bilinear field kernel weighs
-// 510/512). The command it ends with runs as printed and converts its raw
-// mosaic back; a raw copy, or a PGM copy of it read as a mosaic, keeps
-// every byte.
+// the chart's bars (YUV rounds twice, bilinear weighs 510/512). The command
+// it ends with converts its raw mosaic back; a PGM read as a mosaic keeps it.
 TEST(Demo, WritesWhatItListsAndItsRawMosaicConvertsBack) {
     fs::path dir = fresh("demo"), out = dir / "out";
     Outcome run = orvane(dir, "demo out");
@@ -187,20 +185,16 @@ TEST(Demo, WritesWhatItListsAndItsRawMosaicConvertsBack) {
     ASSERT_EQ(std::system(hint.c_str()), 0) << hint;
     EXPECT_EQ(bar_error(read_png(out / "bay8-ave-a-from-raw.png")), 0);
 
-    const std::string mosaic = slurp(out / "bay8-a.raw"), pgm = "P5\n640 480\n255\n" + mosaic;
+    const std::string pgm = "P5\n640 480\n255\n" + slurp(out / "bay8-a.raw");
     spill(dir / "mosaic.pgm", pgm);
-    EXPECT_EQ(slurp(written(dir, "convert out/bay8-a.raw --format bay8 --width 640 --height 480"
-                                 " --to bay8 -o c.raw")), mosaic);
     EXPECT_EQ(slurp(written(dir, "convert mosaic.pgm --format BAY8 -o c.pgm")), pgm);
 }
 
 // Files known exactly. PGM/PPM copies keep every byte; PNG and TIFF files
 // (on four threads; 8-bit grey also by the library's TIFF writer) hold the
 // samples in R, G, B order, 12 bits stretched to 16 by bit replication. A
-// raw dump is little-endian and reads back at a longer stride. PGM samples
-// scale from maxval to the depth that holds it, rounded as netpbm does.
-// Symbolic links (dangling ones too) and FIFOs (--ext typing one without
-// an extension) are written through, never replaced.
+// raw dump is little-endian and reads back at a longer stride. Symbolic
+// links (dangling too) and FIFOs (--ext typing one) are written through.
 TEST(Convert, FilesHoldWhatTheyMust) {
     fs::path dir = fresh("files");
     fs::create_directory(dir / "real");
@@ -208,18 +202,17 @@ TEST(Convert, FilesHoldWhatTheyMust) {
     fs::create_symlink("real/old.pgm", dir / "link.pgm");
     fs::create_symlink("real/new.pgm", dir / "dangling.pgm");
     ASSERT_EQ(mkfifo((dir / "fifo.pgm").c_str(), 0666) | mkfifo((dir / "pipe").c_str(), 0666), 0);
-    auto grey = [](uint32_t maxval, std::vector<uint32_t> samples) { // one line
-        samples.insert(samples.begin(), {uint32_t(samples.size()), 1, 1, 0});
-        return pnm(samples, maxval);
-    };
-    for (uint32_t maxval : {1, 100, 300, 4095})
-        spill(dir / ("m" + std::to_string(maxval) + ".pgm"), grey(maxval, {0, maxval / 2, maxval}));
-    std::vector<std::pair<std::string, std::string>> cases = {
-        {"convert m1.pgm -o m1-out.pgm", grey(255, {0, 0, 255})},
-        {"convert m100.pgm -o m100-out.pgm", grey(255, {0, 128, 255})},
-        {"convert m300.pgm -o m300-out.pgm", grey(1023, {0, 512, 1023})},
-        {"convert m4095.pgm -o m4095-out.pgm", grey(4095, {0, 2047, 4095})},
-    };
+    // A PGM line 0, maxval / 2, maxval scales to the depth that holds maxval, rounded as
+    // netpbm does: maxval, the copy's maxval and its middle sample.
+    const uint32_t scaled[][3] = {{1, 255, 0}, {100, 255, 128}, {300, 1023, 512},
+                                  {4095, 4095, 2047}};
+    std::vector<std::pair<std::string, std::string>> cases;
+    for (const auto &[maxval, full, middle] : scaled) {
+        const std::string in = "m" + std::to_string(maxval) + ".pgm";
+        spill(dir / in, pnm({3, 1, 1, 0, 0, maxval / 2, maxval}, maxval));
+        cases.push_back({"convert " + in + " -o out-" + in,
+                         pnm({3, 1, 1, 0, 0, middle, full}, full)});
+    }
     const uint32_t maxvals[] = {255, 4095, 65535, 255, 65535};
     std::vector<Picture> pictures;
     std::string all;
@@ -272,7 +265,6 @@ TEST(Convert, FilesHoldWhatTheyMust) {
 // leaves a border unscaled, the tool widens the mosaic and crops the result.
 TEST(Convert, MosaicEdgesKeepTheirColourAtEveryWidth) {
     const char *cases[] = {"bay8 ave a bgr24 33",   // reads the sample after the line
-                           "bay8 med d bgr24 33",
                            "bay12 med c rgb16 33",  // reads the line below one too far
                            "bay12 med c rgb16 34",  // line 0's last green from past it
                            "bay12 ave b rgb16 34",  // last column's red unscaled
@@ -352,8 +344,7 @@ const Ending kEndings[] = {
     {"convert huge.pgm -o o.png", 1, "huge.pgm: 100000 x 100000 pixels exceed the limit"},
     {"convert garbage.pgm -o o.png", 1, "garbage.pgm: malformed PGM/PPM header"},
     {"convert above.pgm -o o.pgm", 1, "above.pgm: sample 301 at (1, 0) exceeds the maxval 300"},
-    {"convert grey.pgm -o no/such/dir/o.png", 1,
-     "no/such/dir/o.png: cannot write: No such file or directory"},
+    {"convert grey.pgm -o no/o.png", 1, "no/o.png: cannot write: No such file or directory"},
     {"deinterlace narrow.pgm -o o.png --parity odd", 1,
      "narrow.pgm: a field must be at least 4 pixels wide"},
     // A write that fails says why in the same words for every writer.
@@ -406,7 +397,6 @@ const Ending kEndings[] = {
     {"convert mosaic.raw --format rgb30 --width 8 --height 4 --to rgb48 -o o.png", 0,
      "note: the library converts rgb30 into rgb48 with G and B from the next pixel"},
     {"--version", 0, nullptr, "orvane " ORVANE_VERSION ", OrvaneImage library"},
-    {"--help", 0, nullptr, "deinterlace"},
     {"deinterlace --help", 0, nullptr, "bilinear, median: y8 xbgr32"},
     // The pairs and Bayer methods as the library answers them.
     {"formats", 0, nullptr, "\n  04      -> (none: not a source)\n"},
