@@ -3,6 +3,7 @@ ctypes on buffers laid out by hand: odd widths, strided views, 8- and
 16-bit samples, the calls that read or write past the image, errors, and
 two threads at once. The arithmetic itself is the C tests' business."""
 import ctypes
+import mmap
 from concurrent.futures import ThreadPoolExecutor
 
 import numpy as np
@@ -12,6 +13,7 @@ import orvane
 
 LIB = ctypes.CDLL("liborvaneimage.so.1")  # the module has loaded both
 BUF = ctypes.CDLL("liborvanebuffer.so.1")
+LIBC = ctypes.CDLL(None, use_errno=True)
 BUF.OFS_BufferCreateImage.restype = ctypes.c_size_t
 BUF.OFS_BufferCreateImage.argtypes = [ctypes.c_void_p] + [ctypes.c_uint32] * 4
 BUF.OFS_BufferParameterSet.argtypes = [ctypes.c_size_t, ctypes.c_uint32, ctypes.c_void_p]
@@ -31,6 +33,21 @@ def memory(array, tail=64):
     """The array's bytes, packed, followed by `tail` zero bytes."""
     return np.concatenate([np.ascontiguousarray(array).view(np.uint8).ravel(),
                            np.zeros(tail, np.uint8)])
+
+
+def at_guard_page(array, keep=[]):
+    """A copy of `array` whose last byte is the last before a page no
+    access may touch, so a read past it kills the process."""
+    page = mmap.PAGESIZE
+    pages = array.nbytes // page + 2
+    memory_map = mmap.mmap(-1, pages * page)
+    start = ctypes.addressof(ctypes.c_char.from_buffer(memory_map))
+    assert LIBC.mprotect(ctypes.c_void_p(start + (pages - 1) * page), page, 0) == 0
+    keep.append(memory_map)  # mapped for the rest of the run
+    guarded = np.frombuffer(memory_map, array.dtype, array.size,
+                            (pages - 1) * page - array.nbytes).reshape(array.shape)
+    guarded[...] = array
+    return guarded
 
 
 def c_call(routine, buffers, *args):
@@ -155,6 +172,10 @@ def test_field_to_frame_matches_the_library(shape, fmt, method, parity):
                                        (reference, shape[1], 2 * shape[0], line, name)],
                   FIELD_METHODS[method], parity == "even") == 0
     np.testing.assert_array_equal(frame, reference)
+    # Given a field that ends at the edge of mapped memory, the module finds
+    # the room the library reads past its lines elsewhere.
+    np.testing.assert_array_equal(orvane.field_to_frame(at_guard_page(field), method, parity, fmt),
+                                  frame)
     interlaced = np.zeros_like(reference)
     interlaced[::2] = field
     np.testing.assert_array_equal(orvane.field_to_frame(interlaced[::2], method, parity, fmt), frame)
