@@ -156,8 +156,7 @@ uint32_t checksum(const DemosaicMember &m, const Mosaic &g, uint32_t seed) {
     // Room for two samples past the last line read.
     TestImage source(m.n_bit ? ORV_FORMAT_BAY16 : ORV_FORMAT_BAY8, g.width, g.height,
                      src_stride, size_t(src_stride) * lines + 4);
-    const std::vector<uint8_t> samples = orv_test::random_bytes(source.size(), seed);
-    std::copy(samples.begin(), samples.end(), source.data());
+    source.randomise(seed);
     TestImage destination(0xC0022600u | m.output, g.width, g.height, dst_stride,
                           size_t(dst_stride) * (lines + 1), 0xEE);
     EXPECT_EQ(m.call(source.handle(), destination.handle(), g.depth), ORV_OK) << m.name;

@@ -211,8 +211,7 @@ const CopyCase copy_cases[] = {
 TEST(ConvertIdenticalFormat, CopyOnlyForEqualStridesAndHeights) {
     for (const CopyCase &c : copy_cases) {
         TestImage src(c.src_format, c.src.width, c.src.height, c.src.stride, c.src.bytes);
-        const auto pattern = orv_test::random_bytes(c.src.bytes, 3);
-        std::copy(pattern.begin(), pattern.end(), src.data());
+        const auto pattern = src.randomise(3);
         TestImage dst(c.dst_format, c.dst.width, c.dst.height, c.dst.stride, c.dst.bytes, 0xEE);
         EXPECT_EQ(OVC_Convert(src.handle(), dst.handle()), c.status) << c.what;
         std::vector<uint8_t> expected(c.dst.bytes, 0xEE);
@@ -245,8 +244,7 @@ TEST(BayerRouting, EachMethodAndPhaseReachesItsRoutine) {
         const uint32_t size = src == 0x16 ? 1 : 2, bpp = orv_test::demosaic_pixel_bytes(dst);
         const uint32_t lines = std::max(h, 2u);
         TestImage in(format(src), w, h, w * size, (w * lines + 1) * size);
-        const auto samples = orv_test::random_bytes(in.size(), src);
-        std::copy(samples.begin(), samples.end(), in.data());
+        in.randomise(src);
         in.set_bayer(methods[mi], phases[pi]);
         TestImage out(format(dst), w, h, w * bpp, w * lines * bpp, 0xEE);
         const ORV_STATUS status = OVC_Convert(in.handle(), out.handle());

@@ -154,8 +154,7 @@ uint32_t checksum(uint32_t src, uint32_t dst, const Image &g, uint32_t seed) {
     std::copy(samples.begin(), samples.end(), source.data());
     TestImage target(uppers[(seed + 1) % 3] | dst, g.width, g.height, dst_stride,
                      size_t(dst_stride) * (g.height + 1));
-    const Bytes before = orv_test::random_bytes(target.size(), ~seed);
-    std::copy(before.begin(), before.end(), target.data());
+    const Bytes before = target.randomise(~seed);
     EXPECT_EQ(OVC_Convert(source.handle(), target.handle()), ORV_OK)
         << std::hex << src << " -> " << dst;
     return orv_test::crc32(target.bytes());

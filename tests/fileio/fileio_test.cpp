@@ -86,8 +86,7 @@ TEST(RawFile, HoldsHeightTimesStrideBytesAWrapping32BitProduct) {
         const uint32_t count = c.stride * c.height;
         // At least one byte, so an empty image still has an address.
         TestImage image(ORV_FORMAT_Y8, c.width, c.height, c.stride, std::max(count, 1u));
-        const Bytes pixels = orv_test::random_bytes(image.size(), c.stride);
-        std::copy(pixels.begin(), pixels.end(), image.data());
+        const Bytes pixels = image.randomise(c.stride);
         const std::string path = scratch_path("raw.bin");
         EXPECT_EQ(OVC_FileWrite(image.handle(), path.c_str(), OVC_FILE_RAW), ORV_OK);
         EXPECT_EQ(read_file(path), Bytes(pixels.begin(), pixels.begin() + count))
@@ -172,8 +171,7 @@ TEST(TiffFile, LargeFilesReadBackWithLibtiff) {
     };
     for (const auto &c : cases) {
         TestImage image(c.format, c.width, c.height, c.stride);
-        const Bytes pixels = orv_test::random_bytes(image.size(), c.width);
-        std::copy(pixels.begin(), pixels.end(), image.data());
+        const Bytes pixels = image.randomise(c.width);
         const std::string path = scratch_path("large.tif");
         ASSERT_EQ(OVC_FileWriteTiff(image.handle(), path.c_str()), ORV_OK);
         const bool colour = c.format == ORV_FORMAT_BGR24;
@@ -338,8 +336,7 @@ TEST(FileWriters, RefusalsAndFaultsGiveTheirStatusAndLeaveOnlyAFailedTiffStreamO
     for (const auto &f : faults) {
         SCOPED_TRACE(testing::Message() << "row " << (&f - faults));
         TestImage image(f.format, f.width, f.height, f.width * (f.format == BGR24 ? 3 : 1));
-        const Bytes pixels = orv_test::random_bytes(image.size(), f.width);
-        std::copy(pixels.begin(), pixels.end(), image.data());
+        image.randomise(f.width);
         if (f.spoil == invalid) image.set_pointer(OFS_BUFFER_VALID, 0);
         if (f.spoil == null_address) image.set_pointer(OFS_START_ADDR, 0);
         if (f.spoil == no_format) image.set(OFS_FORMAT, 0);

@@ -35,7 +35,10 @@ def memory(array, tail=64):
                            np.zeros(tail, np.uint8)])
 
 
-def at_guard_page(array, keep=[]):
+GUARDED_MAPPINGS = []  # mapped for the rest of the run: arrays keep pointing into them
+
+
+def at_guard_page(array):
     """A copy of `array` whose last byte is the last before a page no
     access may touch, so a read past it kills the process."""
     page = mmap.PAGESIZE
@@ -43,7 +46,7 @@ def at_guard_page(array, keep=[]):
     memory_map = mmap.mmap(-1, pages * page)
     start = ctypes.addressof(ctypes.c_char.from_buffer(memory_map))
     assert LIBC.mprotect(ctypes.c_void_p(start + (pages - 1) * page), page, 0) == 0
-    keep.append(memory_map)  # mapped for the rest of the run
+    GUARDED_MAPPINGS.append(memory_map)
     guarded = np.frombuffer(memory_map, array.dtype, array.size,
                             (pages - 1) * page - array.nbytes).reshape(array.shape)
     guarded[...] = array

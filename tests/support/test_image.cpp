@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <fstream>
 #include <iterator>
 
@@ -29,6 +30,12 @@ void TestImage::set_pointer(uint32_t parameter, uintptr_t value) {
 void TestImage::set_bayer(uint32_t method, uint32_t phase) {
     set(OFS_BAYER_METHOD, method);
     set(OFS_BAYER_PHASE, phase);
+}
+
+std::vector<uint8_t> TestImage::randomise(uint32_t seed) {
+    const std::vector<uint8_t> bytes = random_bytes(size(), seed);
+    std::copy(bytes.begin(), bytes.end(), bytes_.begin()); // the handle keeps this memory
+    return bytes;
 }
 
 uint16_t TestImage::u16(size_t offset) const {

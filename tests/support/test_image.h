@@ -32,6 +32,8 @@ public:
     void set_pointer(uint32_t parameter, uintptr_t value); // ids 3 and 11
     void set_bayer(uint32_t method, uint32_t phase);
     void fill(uint8_t value) { std::memset(bytes_.data(), value, size()); }
+    // Every byte from random_bytes(size(), seed); returns them.
+    std::vector<uint8_t> randomise(uint32_t seed);
 
     uint16_t u16(size_t offset) const;
     uint32_t u32(size_t offset) const;

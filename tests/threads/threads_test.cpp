@@ -19,11 +19,6 @@ using Bytes = std::vector<uint8_t>;
 
 constexpr uint32_t kW = 70, kH = 9;
 
-void randomise(TestImage &image, uint32_t seed) {
-    const Bytes bytes = orv_test::random_bytes(image.size(), seed);
-    std::copy(bytes.begin(), bytes.end(), image.data());
-}
-
 // The bytes of a call's destination (read after the call), then its status.
 Bytes result(ORV_STATUS status, const TestImage &destination) {
     Bytes out = destination.bytes();
@@ -35,26 +30,26 @@ Bytes result(ORV_STATUS status, const TestImage &destination) {
 Bytes convert(uint32_t from, uint32_t from_bytes, uint32_t to, uint32_t to_bytes,
               uint32_t method, uint32_t seed) {
     TestImage src(from, kW, kH, kW * from_bytes), dst(to, kW, kH, kW * to_bytes);
-    randomise(src, seed);
+    src.randomise(seed);
     src.set_bayer(method, ORV_BAYER_PHASE_C);
     return result(OVC_Convert(src.handle(), dst.handle()), dst);
 }
 
 Bytes deinterlace(uint32_t format, uint32_t stride, uint32_t method, uint32_t seed) {
     TestImage field(format, kW, kH, stride), frame(format, kW, 2 * kH, stride);
-    randomise(field, seed);
+    field.randomise(seed);
     return result(OVC_FieldToFrame(field.handle(), frame.handle(), method, seed & 1), frame);
 }
 
 Bytes demosaic_directly(uint32_t seed) {
     TestImage src(ORV_FORMAT_BAY12, kW, kH, kW * 2), dst(ORV_FORMAT_BGR24, kW, kH, kW * 3);
-    randomise(src, seed);
+    src.randomise(seed);
     return result(OVC_BAYn_to_BGR24_ave_B(src.handle(), dst.handle(), 12), dst);
 }
 
 Bytes write_file(uint32_t file_type, uint32_t seed) {
     TestImage src(ORV_FORMAT_BGR24, kW, kH, kW * 3);
-    randomise(src, seed);
+    src.randomise(seed);
     const std::string path = orv_test::scratch_path("thread" + std::to_string(seed));
     const ORV_STATUS status = OVC_FileWrite(src.handle(), path.c_str(), file_type);
     Bytes out = orv_test::read_file(path);
